@@ -1,0 +1,101 @@
+// The state that all threads of one analysis share.
+//
+// Locking: the stop slot (stopKind, stopThread and the saved pair) is guarded by its own one-byte
+// spin lock, a leaf: nothing else is taken while it is held, and it is held for a few reads only.
+// stopKind is polled without the lock, since a stale value only costs a second look; who finds it
+// non-zero reads again under the lock.
+#pragma once
+
+#include "core/chessboard.h"
+
+#include <atomic>
+
+namespace quillmere {
+
+// Values of stopKind
+constexpr u8 kStopNone = 0;
+constexpr u8 kStopPause = 1;
+constexpr u8 kStopManual = 2;  // manual control: leave up to a level, rotate its list there
+constexpr u8 kStopAll = 3;
+
+constexpr u16 kAllThreads = 65535;
+
+enum class ERotate : u8 { kNone = 0, kSwap = 1, kMoveToEnd = 2 };
+
+// The precalculated endings as the make-moves see them.
+class IMaterialTables {
+public:
+    virtual ~IMaterialTables() = default;
+    // A table of the node's material exists and may answer it.
+    virtual bool HasTables(const TChessboard& node) const = 0;
+    // The material test that keeps kPositionSmallMaterial.
+    virtual bool IsSmallMaterial(const TChessboard& node) const = 0;
+};
+
+// Called now and then by the searching threads; must be quick and must not throw.
+class ISearchProgress {
+public:
+    virtual ~ISearchProgress() = default;
+    virtual void OnPeriodicCheck(const TChessboard& node) = 0;
+};
+
+struct TSearchContext {
+    virtual ~TSearchContext() = default;
+
+    // Threads
+    u8 multithreadingLevels = 0;
+
+    // Stop slot
+    std::atomic_flag stopLock = ATOMIC_FLAG_INIT;
+    std::atomic<u8> stopKind{kStopNone};
+    std::atomic<u16> stopThread{kAllThreads};
+    u8 savedStopKind = kStopNone;
+    u16 savedStopThread = kAllThreads;
+    // Manual control: nodes below this level (half-moves) leave, the node at it rotates its list.
+    std::atomic<u16> stopBoundLevel{0};
+    std::atomic<ERotate> rotateMode{ERotate::kNone};
+
+    // White nodes with fewer than four half-moves left, over all threads.
+    std::atomic<u64> nodeCount{0};
+    // The search stops itself (stopKind 3) when nodeCount reaches this; 0 for no limit. Threads
+    // add their nodes in small lots, so that the limit is passed by a lot at most.
+    u64 nodeLimit = 0;
+    std::atomic<bool> isNodeLimitReached{false};
+
+    // A search in pass 1 is taken as complete: safe mode, or quick mode off.
+    bool isExact = false;
+    // Highest level (half-moves) whose repetition counts; 0 switches the test off.
+    u16 repetitionBound = 65535;
+
+    IMaterialTables* materialTables = nullptr;
+    ISearchProgress* progress = nullptr;
+
+    // Zeroes the counters of an analysis. The stop slot stays: a stop asked for before the start
+    // holds.
+    void ResetAnalysis();
+};
+
+// Holds the lock of the stop slot.
+class CStopSlotLock {
+public:
+    explicit CStopSlotLock(TSearchContext& context);
+    ~CStopSlotLock();
+    CStopSlotLock(const CStopSlotLock&) = delete;
+    CStopSlotLock& operator=(const CStopSlotLock&) = delete;
+
+private:
+    TSearchContext& m_context;
+};
+
+// Asks the threads of the analysis to leave (kStopAll), pause, or run on (kStopNone).
+void SetStop(TSearchContext& context, u8 stopKind, u16 stopThread = kAllThreads);
+
+// Manual control: nodes below `boundLevel` (half-moves) leave, and the node at it rotates its list
+// by `mode`. What stood in the slot is saved and comes back then, so that a paused analysis goes on
+// being paused.
+void SetManualControl(TSearchContext& context,
+                      u16 boundLevel,
+                      ERotate mode,
+                      u16 stopThread = kAllThreads);
+
+}  // namespace quillmere

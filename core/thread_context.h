@@ -1,0 +1,109 @@
+// The state of one search thread: its node stack, and what each level of it remembers.
+//
+// A thread context belongs to one thread. Two bytes are for others: the stop level, which a
+// controlling thread writes, and the public move index of a level, which the progress display
+// reads; both are relaxed atomics, since a stale value only costs a second look.
+#pragma once
+
+#include "core/chessboard.h"
+
+#include <atomic>
+#include <vector>
+
+namespace quillmere {
+
+// What a level (indexed by m_nMoves) remembers while its node is searched.
+struct TLevelState {
+    const TMove* list = nullptr;
+    u16 moveCount = 0;
+    u16 moveIndex = 0;
+    // moveIndex again, for the progress display.
+    std::atomic<u16> publicMoveIndex{0};
+    // Repetition horizon: the highest level (half-moves) whose repetition the answer of this level
+    // depends on; 0 for none.
+    u16 horizon = 0;
+    // Something was left out below a result that depends on a repetition; handed up with it.
+    bool isHorizonDoubtful = false;
+};
+
+// The next white node takes this list instead of generating its own: a thread that takes over a
+// split node. With flag 1 the list must hold every move of the node, since the node's verdict is
+// stored as its own. Above 1 it may be a share of them: the verdict is that of the share, nothing is
+// stored, and who split the node puts the shares together.
+struct TReplay {
+    u8 flag = 0;
+    u16 count = 0;
+    const TMove* list = nullptr;
+};
+
+// Figures captured on the line of play, the first three of each colour.
+struct TCaptureList {
+    u8 square[3] = {};
+    u8 figure[3] = {};
+};
+
+constexpr u16 kNoTakeOver = 0xffff;
+
+// Stop levels of a thread
+constexpr u8 kThreadRuns = 0;
+constexpr u8 kThreadWaits = 1;
+constexpr u8 kThreadStops = 2;
+
+struct TThreadContext {
+    // Room for a root of `rootHalfMoves` half-moves. The root node itself is the caller's.
+    explicit TThreadContext(u16 rootHalfMoves, i16 id = 0);
+
+    // Node stack: the child of a node of level n stands in slot n.
+    std::vector<TChessboard> nodes;
+    // Used by a thread that takes over a line of another one: children of levels up to the bound
+    // stand here, so that they cannot overwrite the ancestors copied with the line.
+    std::vector<TChessboard> takeOverNodes;
+    u16 takeOverBound = kNoTakeOver;
+
+    // Root of the game tree, read by castling, FEN and the sort.
+    TChessboard* rootNode = nullptr;
+    i16 threadId = 0;
+
+    std::vector<TLevelState> levels;
+
+    std::atomic<u8> stopLevel{kThreadRuns};
+
+    TReplay replay;
+    TCaptureList whiteCaptured;  // white figures that black took
+    TCaptureList blackCaptured;  // black figures that white took
+
+    // Milliseconds of the last periodic check.
+    u64 lastCheckTick = 0;
+
+    // Moves made by this thread, every kind of make-move counted.
+    u64 madeMoves = 0;
+    // The move that mated last at a last move of white: the first to be tried at the next.
+    TMove lastMate = {};
+    // Nodes not yet added to the shared counter.
+    u32 pendingNodes = 0;
+
+    // Black's promotion and white's mate: set when white answered a queen promotion with an
+    // immediate mate that does not capture on the promotion square.
+    bool isPromotionSquareFree = false;
+
+    // Assumptions that the make-moves read (the heuristics set them)
+    u64 forbiddenKingSquares = 0;  // bit per square, with kHeurSingleQueenMate
+    u16 blockLevel = 0;            // half-moves; with kHeurBlockBlackPawns
+    bool isSaveEventSecond = false;
+    u64 separatedSquares = 0;      // one-colour play, separated bishop: squares not to enter
+    u64 separatedPassSquares = 0;  // the same: squares that a slider may not pass
+    // Recomputes HeurParams of a node after a write of Heur or a parameter; null without a
+    // catalogue.
+    void (*computeHeurParams)(TChessboard& node) = nullptr;
+
+    TChessboard& ChildSlot(int level) {
+        return takeOverBound == kNoTakeOver || takeOverBound < level ? nodes[level]
+                                                                     : takeOverNodes[level];
+    }
+    void ClearHorizon(int level) {
+        levels[level].horizon = 0;
+        levels[level].isHorizonDoubtful = false;
+    }
+};
+
+}  // namespace quillmere
