@@ -1,0 +1,22 @@
+// Whole files read and put in place.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace quillmere {
+
+// Reads all bytes of a regular file. The error is std::errc::no_such_file_or_directory if there is
+// none; a folder, a pipe and the like are errors too, and are not opened.
+std::error_code ReadWholeFile(const std::filesystem::path& file, std::string& bytes);
+
+// Gives the file this content: writes a file of a pending name beside it, brings it to the disk
+// and renames it, so that at every moment either the old or the new content stands there whole.
+// Missing folders are made; the access rights of the old file are kept; a symbolic link stays a
+// link, and its target is replaced. A file that the user may not write is an error, even where the
+// rename would be allowed.
+std::error_code ReplaceFileContent(const std::filesystem::path& file, std::string_view bytes);
+
+}  // namespace quillmere
