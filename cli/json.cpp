@@ -1,0 +1,47 @@
+#include "cli/json.h"
+
+namespace quillmere {
+
+TJson MoveJson(const TWrittenMove& move) {
+    return {{"move", move.text}, {"uci", move.uci}};
+}
+
+TJson LineJson(const std::vector<TWrittenMove>& line) {
+    TJson json = TJson::array();
+    for (const TWrittenMove& move : line)
+        json.push_back(MoveJson(move));
+    return json;
+}
+
+void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result) {
+    const TChessboard& board = task.position.board;
+    const bool isBlack = task.position.IsBlackToMove();
+    const auto write = [&](const std::vector<TMove>& moves, std::string_view mark) {
+        TJson list = TJson::array();
+        for (const TMove move : moves) {
+            const TWrittenMove written = WriteMove(board, isBlack, move);
+            TJson row = MoveJson(written);
+            row["text"] = NumberedLine({written}, isBlack) + std::string(mark);
+            list.push_back(std::move(row));
+        }
+        return list;
+    };
+    json["keys"] = write(result.keys, "!");
+    if (task.IsDefence())
+        json["defences"] = write(result.defences, "!");
+    TJson tries = TJson::array();
+    for (const TTry& attempt : result.tries) {
+        const auto line = WriteLine(board, isBlack, {attempt.move, attempt.refutation});
+        TJson row = MoveJson(line[0]);
+        row["refutations"] = TJson::array({MoveJson(line[1])});
+        tries.push_back(std::move(row));
+    }
+    json["tries"] = std::move(tries);
+    json["mainLine"] = LineJson(WriteLine(board, isBlack, result.mainLine));
+}
+
+std::string JsonLine(const TJson& json) {
+    return json.dump(-1, ' ', false, TJson::error_handler_t::replace) + "\n";
+}
+
+}  // namespace quillmere

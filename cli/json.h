@@ -1,0 +1,26 @@
+// The pieces that the JSON outputs share. Every object is one line and carries kSchema, which rises
+// when a field changes its meaning or goes away; new fields may come at any time.
+#pragma once
+
+#include "cli/play_board.h"
+#include "cli/task.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillmere {
+
+using TJson = nlohmann::ordered_json;
+
+constexpr int kSchema = 1;
+
+TJson MoveJson(const TWrittenMove& move);
+TJson LineJson(const std::vector<TWrittenMove>& line);
+// `keys`, `defences`, `tries` and `mainLine` of a solved task.
+void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result);
+// One line with its end. Bytes that are no UTF-8 are replaced, so that the output always parses.
+std::string JsonLine(const TJson& json);
+
+}  // namespace quillmere

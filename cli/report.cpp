@@ -1,0 +1,138 @@
+#include "cli/report.h"
+
+#include "cli/columns.h"
+#include "cli/play_board.h"
+#include "core/fen.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace quillmere {
+namespace {
+
+constexpr std::size_t kLabelWidth = 9;
+
+// Lines longer than this are broken between moves and go on below their beginning.
+constexpr std::size_t kTextWidth = 78;
+
+std::string Wrap(std::string_view text) {
+    std::string out;
+    std::size_t column = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        const std::string_view word = text.substr(0, end);
+        if (column > 0 && column + 1 + word.size() > kTextWidth - kLabelWidth) {
+            out += "\n" + std::string(kLabelWidth, ' ');
+            column = 0;
+        } else if (column > 0) {
+            out += ' ';
+            ++column;
+        }
+        out += word;
+        column += word.size();
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return out;
+}
+
+std::string Row(std::string_view label, std::string_view text) {
+    return fmt::format("{}{}\n", PadRight(label, kLabelWidth), text);
+}
+
+}  // namespace
+
+std::string Diagram(const TChessboard& board) {
+    std::string out = "  +-----------------+\n";
+    for (int rank = 7; rank >= 0; --rank) {
+        out += fmt::format("{} |", rank + 1);
+        for (int file = 0; file < 8; ++file) {
+            const u8 figure = board.m_board[SquareAt(file, rank)];
+            char letter = figure == 0 ? '.' : LetterFromFigure(figure);
+            if (IsBlack(figure))
+                letter = static_cast<char>(letter - 'A' + 'a');
+            out += {' ', letter};
+        }
+        out += " |\n";
+    }
+    return out + "  +-----------------+\n    a b c d e f g h\n";
+}
+
+int FullMovesOfTask(const TTask& task) {
+    return FullMovesOf(task.halfMoves);
+}
+
+std::string SecondsText(u64 milliseconds) {
+    return fmt::format("{}.{:02}", milliseconds / 1000, milliseconds % 1000 / 10);
+}
+
+std::string StipulationText(const CConsole& console, const TTask& task) {
+    const std::string side = console.Text(task.position.IsBlackToMove() ? EMessage::kBlackToMove
+                                                                        : EMessage::kWhiteToMove);
+    if (task.IsDefence())
+        return console.Text(EMessage::kTaskDefence, {std::to_string(task.halfMoves), side});
+    return console.Text(EMessage::kTaskMate, {std::to_string(FullMovesOfTask(task)), side});
+}
+
+std::string ReportText(const CConsole& console, const TTask& task, const TTaskOutcome& outcome) {
+    const TSolveResult& result = outcome.result;
+    const TChessboard& board = task.position.board;
+    const bool isBlack = task.position.IsBlackToMove();
+    const auto label = [&console](EMessage id) { return console.Text(id); };
+
+    const std::vector<TMove>& found = task.IsDefence() ? result.defences : result.keys;
+    std::string moves;
+    for (const TMove move : found) {
+        moves += moves.empty() ? "" : "  ";
+        moves += NumberedLine({WriteMove(board, isBlack, move)}, isBlack) + "!";
+    }
+    std::string out = Row(label(task.IsDefence()   ? EMessage::kLabelDefences
+                                : found.size() > 1 ? EMessage::kLabelKeys
+                                                   : EMessage::kLabelKey),
+                          moves.empty() ? label(EMessage::kNone) : console.Bold(moves));
+
+    std::string triesLabel = label(EMessage::kLabelTries);
+    for (const TTry& attempt : result.tries) {
+        const auto line = WriteLine(board, isBlack, {attempt.move, attempt.refutation});
+        const std::string text =
+            NumberedLine({line[0]}, isBlack) + "? " + line[1].text + line[1].check + "!";
+        out += Row(triesLabel, text);
+        triesLabel.clear();
+    }
+    if (!result.mainLine.empty())
+        out += Row(label(EMessage::kLabelLine),
+                   Wrap(NumberedLine(WriteLine(board, isBlack, result.mainLine), isBlack)));
+
+    std::string verdict = console.Bold(VerdictWord(result.verdict));
+    if (result.verdict == ESolveVerdict::kProvedMate && !result.isComplete)
+        verdict += fmt::format(" ({})", label(EMessage::kNotAllTried));
+    out += Row(label(EMessage::kLabelVerdict), verdict);
+    out += Row(label(EMessage::kLabelWork),
+               console.Text(EMessage::kWorkDone,
+                            {std::to_string(result.nodes),
+                             std::to_string(result.madeMoves),
+                             SecondsText(outcome.milliseconds)}));
+    return out;
+}
+
+TProgressCallback ShowProgress(CConsole& console, const TTask& task) {
+    if (!console.WantsProgress())
+        return {};
+    return [&console, &task](const TTaskProgress& progress) {
+        const std::string nodes = std::to_string(progress.nodes);
+        const std::string seconds = std::to_string(progress.milliseconds / 1000);
+        if (progress.isAfterKeys) {
+            console.Status(console.Text(EMessage::kProgressAfterKeys, {nodes, seconds}));
+        } else if (progress.number > 0) {
+            const bool isBlack = task.position.IsBlackToMove();
+            const auto move = WriteMove(task.position.board, isBlack, progress.move);
+            console.Status(console.Text(EMessage::kProgressFirstMove,
+                                        {NumberedLine({move}, isBlack),
+                                         std::to_string(progress.number),
+                                         std::to_string(progress.count),
+                                         nodes,
+                                         seconds}));
+        }
+    };
+}
+
+}  // namespace quillmere

@@ -1,0 +1,24 @@
+// A solved task as text for people.
+#pragma once
+
+#include "cli/console.h"
+#include "cli/task.h"
+
+#include <string>
+
+namespace quillmere {
+
+// The board with its coordinates, white below, each line with its end.
+std::string Diagram(const TChessboard& board);
+// "Mate in 3, white to move".
+std::string StipulationText(const CConsole& console, const TTask& task);
+// Key, tries, main line, verdict and work, a line each.
+std::string ReportText(const CConsole& console, const TTask& task, const TTaskOutcome& outcome);
+// Tells the console's status line how far a search is.
+TProgressCallback ShowProgress(CConsole& console, const TTask& task);
+
+// Length of the task in moves: of a mate in n it is n, of a defence task the pairs of moves.
+int FullMovesOfTask(const TTask& task);
+std::string SecondsText(u64 milliseconds);
+
+}  // namespace quillmere

@@ -1,0 +1,136 @@
+// quillmere solve: one position, or one a line on standard input.
+#include "cli/columns.h"
+#include "cli/commands.h"
+#include "cli/json.h"
+#include "cli/report.h"
+#include "core/platform/interrupt.h"
+#include "core/text.h"
+
+#include <iostream>
+
+namespace quillmere {
+namespace {
+
+constexpr double kMaxSeconds = 1e9;
+
+// Half-moves of the task from --moves and --half-moves, which may both be given if they agree.
+int ReadLength(const TArguments& arguments) {
+    const auto moves = arguments.Number("--moves", 1, kMaxFullMoves);
+    const auto halfMoves = arguments.Number("--half-moves", 1, kMaxHalfMoves);
+    if (!moves && !halfMoves)
+        throw CUsageException(EMessage::kUsageNoLength);
+    if (moves && halfMoves && FullMovesOf(static_cast<int>(*halfMoves)) != *moves)
+        throw CUsageException(EMessage::kUsageLengthsDiffer,
+                              {std::to_string(*moves), std::to_string(*halfMoves)});
+    return static_cast<int>(
+        halfMoves.value_or(moves ? HalfMovesOfMate(static_cast<int>(*moves)) : 0));
+}
+
+// The whole input is read and checked before anything is solved, so that a fault leaves standard
+// output empty.
+std::vector<TTask> ReadTasksFromInput(const CConsole& console, int halfMoves) {
+    std::vector<TTask> tasks;
+    std::string line;
+    for (int number = 1; std::getline(std::cin, line); ++number) {
+        const std::string text(StripBlanks(line));
+        if (text.empty() || text.front() == '#')
+            continue;
+        try {
+            tasks.push_back(MakeTask(ReadPosition(text), halfMoves));
+        } catch (const ChessException& fault) {
+            // Also a task that does not fit the length: a line of the input is bad, not the call.
+            throw CPlacedException(console.Text(EMessage::kInputLine, {std::to_string(number)}),
+                                   fault);
+        }
+    }
+    if (tasks.empty())
+        throw ChessException(EMessage::kInputEmpty);
+    return tasks;
+}
+
+std::string JsonText(const TTask& task, const TTaskOutcome& outcome) {
+    const TSolveResult& result = outcome.result;
+    TJson json = {{"schema", kSchema},
+                  {"fen", WritePosition(task.position)},
+                  {"halfMoves", task.halfMoves},
+                  {"moves", FullMovesOfTask(task)},
+                  {"verdict", VerdictWord(result.verdict)},
+                  {"complete", result.isComplete}};
+    AddResultJson(json, task, result);
+    json["passes"] = TJson::array({{{"name", "complete"},
+                                    {"heuristics", 0},
+                                    {"verdict", VerdictWord(result.verdict)},
+                                    {"nodes", result.nodes},
+                                    {"ms", outcome.milliseconds}}});
+    json["nodes"] = result.nodes;
+    json["madeMoves"] = result.madeMoves;
+    json["ms"] = outcome.milliseconds;
+    json["threads"] = 1;
+    return JsonLine(json);
+}
+
+EExitCode ExitCodeOf(const TTaskOutcome& outcome) {
+    if (outcome.isInterrupted)
+        return kExitInterrupted;
+    switch (outcome.result.verdict) {
+    case ESolveVerdict::kProvedMate:
+        return kExitDone;
+    case ESolveVerdict::kProvedNoMate:
+        return kExitNoMate;
+    case ESolveVerdict::kDoubt:
+    case ESolveVerdict::kStopped:
+    case ESolveVerdict::kLimit:
+        break;
+    }
+    return kExitUndecided;
+}
+
+}  // namespace
+
+EExitCode RunSolve(const TCommandCall& call) {
+    const TArguments& arguments = call.arguments;
+    CConsole& console = call.console;
+    const int halfMoves = ReadLength(arguments);
+    TTaskRequest request;
+    request.wantAllKeys = arguments.Has("--all");
+    request.wantTries = arguments.Has("--tries");
+    request.seconds = arguments.Decimal("--time", 0, kMaxSeconds).value_or(0);
+    request.nodes = static_cast<u64>(arguments.Number("--nodes", 0, INT64_MAX).value_or(0));
+    if (request.wantTries && halfMoves % 2 == 0)
+        throw CUsageException(EMessage::kUsageTriesInDefence);
+
+    const std::string text = JoinWords(arguments.positionals);
+    const bool isList = text == "-";
+    const std::vector<TTask> tasks =
+        isList ? ReadTasksFromInput(console, halfMoves)
+               : std::vector<TTask>{MakeTask(ReadPosition(text), halfMoves)};
+
+    CatchInterrupts();
+    // The worst of several: interrupted, undecided, no mate, mate.
+    EExitCode code = kExitDone;
+    bool hasNoted = false;
+    bool isFirst = true;
+    for (const TTask& task : tasks) {
+        if (task.position.NeedsCastlingNote() && !hasNoted) {
+            console.Note(console.Text(EMessage::kCastlingNote));
+            hasNoted = true;
+        }
+        const TTaskOutcome outcome = RunTask(task, request, ShowProgress(console, task));
+        if (arguments.Has("--json")) {
+            console.Print(JsonText(task, outcome));
+        } else {
+            std::string report = isFirst ? "" : "\n";
+            if (isList)
+                report += WritePosition(task.position) + "\n";
+            report += StipulationText(console, task) + "\n\n";
+            console.Print(report + ReportText(console, task, outcome));
+        }
+        isFirst = false;
+        code = std::max(code, ExitCodeOf(outcome));
+        if (outcome.isInterrupted)
+            break;
+    }
+    return code;
+}
+
+}  // namespace quillmere
