@@ -63,7 +63,9 @@ TEST_P(DirectMates, AgreeWithTheJudge) {
                 << ToFen(position);
             mates += isMate;
         }
-        EXPECT_GE(mates, fullMoves == 1 ? beforeMate : 1);
+        if (!bridge::kIsSanitized) {
+            EXPECT_GE(mates, fullMoves == 1 ? beforeMate : 1);
+        }
     }
 }
 

@@ -96,6 +96,8 @@ constexpr bool kIsSanitized = false;
 constexpr bool kIsSanitized = false;
 #endif
 
+// A run with a sanitizer takes one case in twenty. So few say nothing about the share of mates among
+// them, which is asked for in whole runs only.
 constexpr int CasesOf(int cases) {
     return kIsSanitized ? std::max(1, cases / 20) : cases;
 }
