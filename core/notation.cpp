@@ -67,11 +67,6 @@ char PromotionLetter(u8 kind) {
     return kind == kPawn ? ' ' : LetterFromFigure(kind);
 }
 
-bool IsCapture(const TChessboard& node, TMove move) {
-    return node.m_board[move.to] != 0 ||
-           (KindOf(node.m_board[move.from]) == kPawn && FileOf(move.from) != FileOf(move.to));
-}
-
 // The move is in the list of its figure and leaves the own king unattacked.
 bool IsPlayable(const TChessboard& node, TMove move) {
     // A king never falls; it can stand attacked only where the position came from a task in which
@@ -179,6 +174,11 @@ void MoveToText(TMove move, char* out, u8 figureCode, bool isCapture) {
         }
     }
     std::memcpy(out, text.c_str(), text.size() + 1);
+}
+
+bool IsCapture(const TChessboard& node, TMove move) {
+    return node.m_board[move.to] != 0 ||
+           (KindOf(node.m_board[move.from]) == kPawn && FileOf(move.from) != FileOf(move.to));
 }
 
 std::string MoveToText(const TChessboard& node, TMove move) {

@@ -19,6 +19,8 @@ constexpr int kMoveTextSize = 16;
 void MoveToText(TMove move, char* out, u8 figureCode, bool isCapture);
 // The same for a move of the node, before it is made: figure and capture are read off the board.
 std::string MoveToText(const TChessboard& node, TMove move);
+// A move of the node, before it is made, captures: en passant too. Not for a null move.
+bool IsCapture(const TChessboard& node, TMove move);
 // "e2e4", "e7e8q": the form of engines and of the "uci" fields; "0000" for a null move.
 std::string MoveToUci(TMove move);
 // Plain form of the logs: "e2-e4", with a letter for a promotion.

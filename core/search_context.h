@@ -12,6 +12,8 @@
 
 namespace quillmere {
 
+class TAggregatedTemporaryChessboardRegister;
+
 // Values of stopKind
 constexpr u8 kStopNone = 0;
 constexpr u8 kStopPause = 1;
@@ -19,6 +21,10 @@ constexpr u8 kStopManual = 2;  // manual control: leave up to a level, rotate it
 constexpr u8 kStopAll = 3;
 
 constexpr u16 kAllThreads = 65535;
+
+// Half-moves of the root from which on the register of solved positions is used: below it the task
+// is solved faster than the register fills. (docs/measurements.md tells what a lower bound would bring.)
+constexpr u16 kRegisterRoot = 10;
 
 enum class ERotate : u8 { kNone = 0, kSwap = 1, kMoveToEnd = 2 };
 
@@ -66,6 +72,11 @@ struct TSearchContext {
     bool isExact = false;
     // Highest level (half-moves) whose repetition counts; 0 switches the test off.
     u16 repetitionBound = 65535;
+
+    // The register of solved positions of this analysis; null for none. Whoever made it owns it.
+    TAggregatedTemporaryChessboardRegister* tempRegister = nullptr;
+    // See kRegisterRoot; tests lower it to reach the register with short tasks.
+    u16 registerRoot = kRegisterRoot;
 
     IMaterialTables* materialTables = nullptr;
     ISearchProgress* progress = nullptr;

@@ -6,11 +6,16 @@
 #pragma once
 
 #include "core/chessboard.h"
+#include "core/move_memory.h"
+#include "core/reply_filter.h"
 
+#include <array>
 #include <atomic>
 #include <vector>
 
 namespace quillmere {
+
+class CMovesLog;
 
 // What a level (indexed by m_nMoves) remembers while its node is searched.
 struct TLevelState {
@@ -42,6 +47,15 @@ struct TCaptureList {
     u8 figure[3] = {};
 };
 
+// Why the thread doubted last, for the moves log.
+struct TDoubtCause {
+    // 0 unknown; bits of the heuristics word; from kDoubtImpossible on a result of MakeBlackMove;
+    // with isFromRegister the level (half-moves) that the register was asked for.
+    u32 code = 0;
+    bool isFromRegister = false;
+};
+constexpr u32 kDoubtImpossible = 0xfffffffe;
+
 constexpr u16 kNoTakeOver = 0xffff;
 
 // Stop levels of a thread
@@ -72,13 +86,24 @@ struct TThreadContext {
     TCaptureList whiteCaptured;  // white figures that black took
     TCaptureList blackCaptured;  // black figures that white took
 
+    // Log of the moves of this thread (search/moves_log.h), null for none. The search of a thread
+    // with a log is the slower twin of the one without.
+    CMovesLog* movesLog = nullptr;
+    // Nothing is written while set: a search inside the search, which nobody wants to read.
+    bool isLogHidden = false;
+    // Kept only while there is a log.
+    TDoubtCause doubtCause;
+
     // Milliseconds of the last periodic check.
     u64 lastCheckTick = 0;
 
     // Moves made by this thread, every kind of make-move counted.
     u64 madeMoves = 0;
-    // The move that mated last at a last move of white: the first to be tried at the next.
-    TMove lastMate = {};
+    // What it remembers about moves, null for nothing. Whoever made it owns it.
+    TMoveMemory* moveMemory = nullptr;
+    // Room for the replies that a node with three half-moves left filters its moves by; such nodes
+    // never lie below each other.
+    std::array<CReplyFilter, 6> replyFilters;
     // Nodes not yet added to the shared counter.
     u32 pendingNodes = 0;
 

@@ -150,4 +150,22 @@ std::error_code ReplaceFileContent(const fs::path& file, std::string_view bytes)
     return error;
 }
 
+std::error_code BackupBeforeSave(const fs::path& file) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status) || fs::is_directory(status))
+        return {};
+    const auto backupName = [&](const std::string& number) {
+        fs::path name = file;
+        return name += number + ".BAK";
+    };
+    fs::path backup = backupName("");
+    if (!fs::is_directory(backup, error))
+        fs::remove(backup, error);
+    for (int number = 1; fs::exists(fs::symlink_status(backup, error)); ++number)
+        backup = backupName(std::to_string(number));
+    fs::rename(file, backup, error);
+    return error;
+}
+
 }  // namespace quillmere

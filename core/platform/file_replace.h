@@ -19,4 +19,9 @@ std::error_code ReadWholeFile(const std::filesystem::path& file, std::string& by
 // rename would be allowed.
 std::error_code ReplaceFileContent(const std::filesystem::path& file, std::string_view bytes);
 
+// Makes way for a new content: a file of that name becomes FILE.BAK, in place of an older one of that
+// name. Where the older one cannot be deleted, the first free name of FILE1.BAK, FILE2.BAK and so on
+// is taken. No file, or a folder of that name, is no error and nothing is done.
+std::error_code BackupBeforeSave(const std::filesystem::path& file);
+
 }  // namespace quillmere

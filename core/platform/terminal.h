@@ -5,5 +5,7 @@ namespace quillmere {
 
 bool IsOutputTerminal();
 bool IsErrorTerminal();
+// Columns of the terminal behind standard error; 0 if it does not tell.
+int ErrorTerminalColumns();
 
 }  // namespace quillmere

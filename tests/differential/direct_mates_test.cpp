@@ -4,12 +4,14 @@
 #include "core/direct_mates.h"
 #include "core/thread_context.h"
 #include "tests/support/bridge.h"
+#include "tests/support/crowded_positions.h"
 #include "tests/support/families.h"
 #include "tests/support/random_positions.h"
 #include "tests/support/reference.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -105,6 +107,86 @@ TEST(DirectMates, RandomPositions_AgreeWithTheJudge) {
         mates += isMate;
     }
     EXPECT_GE(50 * mates, cases);
+}
+
+// What a mating move is, where all mating moves of its position are alike.
+struct TMateKinds {
+    int mates = 0;
+    int enPassant = 0;
+    int castling = 0;
+    int knightPromotions = 0;
+    int promotions = 0;
+    int doubleChecks = 0;
+    int discovered = 0;  // by the moved man's leaving only
+    int evasions = 0;    // white was in check
+
+    void Count(const TPosition& position) {
+        std::vector<reference::TPlainMove> keys = CBruteForce().Keys(position, 1);
+        mates += !keys.empty();
+        if (keys.size() != 1)
+            return;
+        const reference::TPlainMove key = keys.front();
+        const TPosition after = After(position, key);
+        const char man = position.squares[key.from];
+        int checkers = 0;
+        bool isMovedManChecking = false;
+        for (int square = 0; square < 64; ++square) {
+            if (after.squares[square] < 'A' || after.squares[square] > 'Z')
+                continue;
+            // All others become black men, which still stand in the way.
+            TPosition alone = after;
+            for (int other = 0; other < 64; ++other) {
+                if (other != square && alone.squares[other] >= 'A' && alone.squares[other] <= 'Z')
+                    alone.squares[other] = 'p';
+            }
+            const bool isChecking = IsAttacked(alone, after.blackKing, true);
+            checkers += isChecking;
+            isMovedManChecking |= isChecking && square == key.to;
+        }
+        const bool isCastling = man == 'K' && (key.from - key.to == 2 || key.to - key.from == 2);
+        castling += isCastling;
+        enPassant += man == 'P' && key.from % 8 != key.to % 8 && position.squares[key.to] == '.';
+        knightPromotions += key.promotion == 'n';
+        promotions += key.promotion != 0;
+        doubleChecks += checkers > 1;
+        discovered += !isMovedManChecking && !isCastling;
+        evasions += IsInCheck(position, true);
+    }
+};
+
+// Every kind of mate must be met as the only one of its position.
+TEST(DirectMates, CrowdedPositions_AgreeWithTheJudge) {
+    const int cases = bridge::CasesOf(150'000);
+    TMateKinds kinds;
+    for (int number = 0; number < cases; ++number) {
+        const auto seed = static_cast<std::uint64_t>(8'700'000 + number);
+        CRandom random(seed);
+        // Castling and captures in passing hardly ever mate in a crowd that is drawn evenly.
+        const reference::TFamily* family = number % 10 == 0   ? &reference::FindFamily("EnPassant")
+                                           : number % 10 == 1 ? &reference::FindFamily("Castling")
+                                                              : nullptr;
+        const std::unique_ptr<test::CCrowdedNode> crowded =
+            family == nullptr ? std::make_unique<test::CCrowdedNode>(random, 1)
+                              : std::make_unique<test::CCrowdedNode>(
+                                    random, 1, family->draw(random, family->name == "Castling"));
+        const bool isMate = CBruteForce().MateIn(crowded->Position(), 1);
+        ASSERT_EQ(IsMateInOne(crowded->Node()), isMate)
+            << "seed " << seed << ' ' << ToFen(crowded->Position());
+        if (isMate)
+            kinds.Count(crowded->Position());
+    }
+    RecordProperty("enPassant", kinds.enPassant);
+    RecordProperty("castling", kinds.castling);
+    if (bridge::kIsSanitized)
+        return;
+    EXPECT_GE(10 * kinds.mates, cases);
+    EXPECT_GE(kinds.enPassant, 5);
+    EXPECT_GE(kinds.castling, 5);
+    EXPECT_GE(kinds.knightPromotions, 10);
+    EXPECT_GE(kinds.promotions, 100);
+    EXPECT_GE(kinds.doubleChecks, 50);
+    EXPECT_GE(kinds.discovered, 100);
+    EXPECT_GE(kinds.evasions, 100);
 }
 
 }  // namespace

@@ -56,6 +56,9 @@ QT_HEADER = re.compile(r"^(Q[A-Z]|Qt)")
 # brackets belongs to an operating system, and stands behind core/platform/.
 STANDARD_HEADER = re.compile(r"^[a-z0-9_]+$")
 PLATFORM_FOLDER = "core/platform/"
+# Instructions of the processor, used behind a test of the compiler's macro for them.
+PROCESSOR_HEADER = re.compile(r"^[a-z]+mmintrin\.h$")
+PROCESSOR_FOLDER = "core/"
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"]*)"|<([^>]*)>)', re.MULTILINE)
 BLOCK_COMMENT = re.compile(r"/\*.*?\*/", re.DOTALL)
@@ -155,6 +158,8 @@ def system_faults(where, path, part, header):
             return [] if part in allowed else [f"{where}: {part} must not include <{header}>"]
     if STANDARD_HEADER.match(header) or path.startswith(PLATFORM_FOLDER):
         return []
+    if PROCESSOR_HEADER.match(header) and path.startswith(PROCESSOR_FOLDER):
+        return []
     return [f"{where}: <{header}> is of an operating system and belongs to {PLATFORM_FOLDER}"]
 
 
@@ -209,6 +214,10 @@ class IncludeArrows(unittest.TestCase):
 
     def test_system_header_outside_of_platform_is_found(self):
         found = self.faults_after("search/planted.cpp", "#include <unistd.h>\n")
+        self.assert_one(found, "of an operating system")
+
+    def test_processor_header_outside_of_core_is_found(self):
+        found = self.faults_after("search/planted.cpp", "#include <emmintrin.h>\n")
         self.assert_one(found, "of an operating system")
 
     def test_window_header_outside_of_shell_is_found(self):

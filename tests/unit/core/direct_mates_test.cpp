@@ -5,6 +5,7 @@
 #include "tests/support/families.h"
 #include "tests/support/game_line.h"
 #include "tests/support/random_positions.h"
+#include "tests/support/search_board.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -221,6 +222,14 @@ TEST(IsMateInTwo, HorizonsAbove_StayAsTheyAre) {
     EXPECT_TRUE(IsMateInTwo(line.Node()));
     for (std::size_t level = 3; level < line.Thread().levels.size(); ++level)
         EXPECT_EQ(line.Thread().levels[level].horizon, 9) << level;
+}
+
+// A composed position may hold many more white men than a game.
+TEST(MateInOne, MoreMenThanAGame_AreAllTried) {
+    test::CSearchBoard mate("6k1/R4ppp/8/8/NNNNNNNN/NNNNNNNN/NNNNNNNN/4K3", 1);
+    EXPECT_TRUE(IsMateInOne(mate.Root()));
+    test::CSearchBoard none("6k1/R4pp1/8/8/NNNNNNNN/NNNNNNNN/NNNNNNNN/4K3", 1);
+    EXPECT_FALSE(IsMateInOne(none.Root()));
 }
 
 }  // namespace

@@ -95,6 +95,37 @@ TEST(ReplaceFileContent, EmptyPath_IsAnError) {
     EXPECT_TRUE(ReplaceFileContent("", "text"));
 }
 
+TEST(BackupBeforeSave, File_TakesThePlaceOfTheOlderBackup) {
+    const test::CTemporaryFolder folder;
+    const fs::path file = folder.Path() / "file.cp";
+    test::WriteFile(file, "new");
+    test::WriteFile(folder.Path() / "file.cp.BAK", "old");
+    EXPECT_FALSE(BackupBeforeSave(file));
+    EXPECT_EQ(test::ReadFile(folder.Path() / "file.cp.BAK"), "new");
+    EXPECT_EQ(EntryCount(folder.Path()), 1);
+}
+
+TEST(BackupBeforeSave, BackupThatStays_IsEvadedByANumber) {
+    const test::CTemporaryFolder folder;
+    const fs::path file = folder.Path() / "file.cp";
+    fs::create_directory(folder.Path() / "file.cp.BAK");
+    test::WriteFile(folder.Path() / "file.cp1.BAK", "first");
+    test::WriteFile(file, "new");
+    EXPECT_FALSE(BackupBeforeSave(file));
+    EXPECT_TRUE(fs::is_directory(folder.Path() / "file.cp.BAK"));
+    EXPECT_EQ(test::ReadFile(folder.Path() / "file.cp1.BAK"), "first");
+    EXPECT_EQ(test::ReadFile(folder.Path() / "file.cp2.BAK"), "new");
+}
+
+TEST(BackupBeforeSave, NoFileOrAFolder_IsLeftAlone) {
+    const test::CTemporaryFolder folder;
+    EXPECT_FALSE(BackupBeforeSave(folder.Path() / "missing"));
+    fs::create_directory(folder.Path() / "folder");
+    EXPECT_FALSE(BackupBeforeSave(folder.Path() / "folder"));
+    EXPECT_TRUE(fs::is_directory(folder.Path() / "folder"));
+    EXPECT_EQ(EntryCount(folder.Path()), 1);
+}
+
 TEST(ReadWholeFile, MissingFile_IsNoSuchFile) {
     const test::CTemporaryFolder folder;
     std::string bytes = "old";
