@@ -2,12 +2,14 @@
 //
 // The signature is the total of nodes and a digest of ids, verdicts and keys. It is the same for
 // every compiler and its settings; whoever changes the search sees in the nodes whether it does
-// more or less, and in the digest whether it answers otherwise.
+// more or less, and in the digest whether it answers otherwise. It must not hang on the machine, so
+// every position begins with an empty register, and the suites stay far below any usual limit.
 #include "cli/bench_suites.h"
 #include "cli/commands.h"
 #include "cli/epd_file.h"
 #include "cli/json.h"
 #include "cli/report.h"
+#include "cli/task_arguments.h"
 #include "core/platform/interrupt.h"
 
 #include <fmt/format.h>
@@ -46,11 +48,14 @@ EExitCode RunBench(const TCommandCall& call) {
     const bool isSignatureOnly = arguments.Has("--signature");
     const std::vector<TEpdRecord> records = ReadEpdText(BenchSuite(name), name + ".epd");
 
+    CTaskRegister solved(ReadMemoryBytes(arguments), call.optionsFile.parent_path());
+
     CatchInterrupts();
     // Every first move is decided, so that the effort does not hang on where the key stands.
     TTaskRequest request;
     request.wantAllKeys = true;
     request.wantMainLine = false;
+    request.solved = &solved;
     CDigest digest;
     u64 nodes = 0;
     u64 madeMoves = 0;

@@ -21,6 +21,17 @@ inline std::string PadRight(std::string_view text, std::size_t width) {
     return std::string(text) + std::string(used < width ? width - used : 1, ' ');
 }
 
+// The first characters of the text that fit into the width.
+inline std::string_view CutToWidth(std::string_view text, std::size_t width) {
+    std::size_t end = 0;
+    for (std::size_t used = 0; end < text.size(); ++end) {
+        used += DisplayWidth(text.substr(end, 1));
+        if (used > width)
+            break;
+    }
+    return text.substr(0, end);
+}
+
 // The words with a blank between them: a FEN that came without quotation marks.
 inline std::string JoinWords(const std::vector<std::string>& words) {
     std::string text;

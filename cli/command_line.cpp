@@ -43,25 +43,21 @@ private:
 // A fault of the program or its machine rather than of what it was given.
 bool IsInternal(EMessage id) {
     return id == EMessage::kThreadNotStarted || id == EMessage::kOutputFailed ||
-           id == EMessage::kInternalFault;
+           id == EMessage::kRegisterIncoherent || id == EMessage::kInternalFault;
+}
+
+std::string FaultText(const CConsole& console, const std::exception& fault) {
+    const auto* chess = dynamic_cast<const ChessException*>(&fault);
+    if (chess == nullptr)
+        return console.Text(EMessage::kInternalFault, {fault.what()});
+    const auto* placed = dynamic_cast<const CPlacedException*>(&fault);
+    const std::string text = chess->Text(console.Language());
+    return placed == nullptr ? text : placed->Place() + ": " + text;
 }
 
 EExitCode TellFault(CConsole& console, const std::exception& fault) {
-    const ELanguage language = console.Language();
-    if (const auto* usage = dynamic_cast<const CUsageException*>(&fault)) {
-        console.Error(usage->Text(language));
-        return kExitUsage;
-    }
-    if (const auto* placed = dynamic_cast<const CPlacedException*>(&fault)) {
-        console.Error(placed->Place() + ": " + placed->Text(language));
-        return kExitBadInput;
-    }
-    if (const auto* chess = dynamic_cast<const ChessException*>(&fault)) {
-        console.Error(chess->Text(language));
-        return IsInternal(chess->Id()) ? kExitFault : kExitBadInput;
-    }
-    console.Error(console.Text(EMessage::kInternalFault, {fault.what()}));
-    return kExitFault;
+    console.Error(FaultText(console, fault));
+    return ExitCodeOfFault(fault);
 }
 
 ELanguage ReadLanguage(const TArguments& arguments) {
@@ -111,6 +107,13 @@ EExitCode RunParsed(const TArguments& arguments,
 }
 
 }  // namespace
+
+EExitCode ExitCodeOfFault(const std::exception& fault) {
+    if (dynamic_cast<const CUsageException*>(&fault) != nullptr)
+        return kExitUsage;
+    const auto* chess = dynamic_cast<const ChessException*>(&fault);
+    return chess == nullptr || IsInternal(chess->Id()) ? kExitFault : kExitBadInput;
+}
 
 int RunCommandLine(int argc, const char* const* argv) {
     TConsoleSettings early;

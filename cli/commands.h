@@ -5,6 +5,7 @@
 #include "cli/console.h"
 #include "cli/exit_code.h"
 
+#include <exception>
 #include <filesystem>
 #include <string>
 
@@ -36,6 +37,9 @@ public:
 private:
     std::string m_place;
 };
+
+// What a fault that a command threw means to the caller.
+EExitCode ExitCodeOfFault(const std::exception& fault);
 
 // The whole program. Never throws; returns the exit code.
 int RunCommandLine(int argc, const char* const* argv);

@@ -1,6 +1,8 @@
 #include "cli/console.h"
 
+#include "cli/columns.h"
 #include "core/chess_exception.h"
+#include "core/platform/terminal.h"
 
 #include <cstdio>
 
@@ -54,10 +56,12 @@ void CConsole::Status(std::string_view text) {
         return;
     const std::lock_guard lock(m_mutex);
     ClearStatus();
-    if (!text.empty()) {
-        WriteError(text);
-        m_hasStatus = true;
-    }
+    if (text.empty())
+        return;
+    // A line that goes on in the next row could not be taken away; the last column makes some do so.
+    const int columns = ErrorTerminalColumns();
+    WriteError(columns > 1 ? CutToWidth(text, static_cast<std::size_t>(columns) - 1) : text);
+    m_hasStatus = true;
 }
 
 std::string CConsole::Bold(std::string_view text) const {

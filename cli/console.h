@@ -1,7 +1,7 @@
 // The two streams of a command: results on standard output, everything else on standard error.
 //
-// Threads: Status may be called by the thread that watches a search while the command itself
-// waits; all else belongs to the command's own thread.
+// Threads: Status and Note may be called by the threads that search or watch a search while the
+// command itself waits; all else belongs to the command's own thread.
 #pragma once
 
 #include "core/messages.h"

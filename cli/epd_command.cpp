@@ -4,6 +4,8 @@
 #include "cli/epd_file.h"
 #include "cli/json.h"
 #include "cli/report.h"
+#include "cli/task_arguments.h"
+#include "cli/task_log.h"
 #include "core/platform/interrupt.h"
 
 #include <algorithm>
@@ -16,7 +18,6 @@
 namespace quillmere {
 namespace {
 
-constexpr double kMaxSeconds = 1e9;
 constexpr i64 kMaxJobs = 256;
 
 enum class EComparison { kAsExpected, kDifferent, kUndecided };
@@ -27,7 +28,10 @@ struct TSettings {
     bool isDeterministic = false;
     bool isJson = false;
     bool isDetailed = false;  // one position by its id: diagram and main line
+    bool wantsLog = false;
     int jobs = 1;
+    u64 memoryBytes = 0;  // of all jobs together
+    std::filesystem::path programFolder;
 };
 
 // What came out for one position.
@@ -93,17 +97,27 @@ void Compare(const CConsole& console, const TEpdRecord& record, bool areAll, TRo
     }
 }
 
-TRow SolveRecord(CConsole& console, const TEpdRecord& record, const TSettings& settings) {
+// `number` is the place of the record in the list, from 1; `solved` is that of the worker.
+TRow SolveRecord(CConsole& console,
+                 const TEpdRecord& record,
+                 int number,
+                 const TSettings& settings,
+                 CTaskRegister& solved) {
     TRow row;
     const auto progress =
         settings.jobs == 1 ? ShowProgress(console, record.task) : TProgressCallback();
-    row.outcome = RunTask(record.task, settings.request, progress);
+    CTaskLog log(settings.wantsLog, settings.programFolder, number);
+    TTaskRequest request = settings.request;
+    request.solved = &solved;
+    request.movesLog = log.Log();
+    row.outcome = RunTask(record.task, request, progress);
+    log.Tell(console);
     if (settings.wantsShortest && row.outcome.result.verdict == ESolveVerdict::kProvedMate) {
         if (record.task.halfMoves == 1) {
             row.shorter = ESolveVerdict::kProvedNoMate;
         } else {
             const TTask task = MakeTask(record.task.position, record.task.halfMoves - 2);
-            TTaskRequest request = settings.request;
+            request.movesLog = nullptr;
             request.wantAllKeys = false;
             request.wantMainLine = false;
             const TTaskOutcome outcome = RunTask(task, request, progress);
@@ -178,8 +192,10 @@ std::string JsonText(const TEpdRecord& record, const TRow& row, const TSettings&
     json["operations"] = std::move(operations);
     json["nodes"] = result.nodes;
     json["madeMoves"] = result.madeMoves;
-    if (!settings.isDeterministic)
+    if (!settings.isDeterministic) {
         json["ms"] = row.outcome.milliseconds;
+        AddRegisterJson(json, row.outcome);
+    }
     return JsonLine(json);
 }
 
@@ -216,11 +232,14 @@ public:
 private:
     void Work() {
         try {
+            CTaskRegister solved(m_settings.memoryBytes / static_cast<u64>(m_settings.jobs),
+                                 m_settings.programFolder);
             while (!WasInterrupted()) {
                 const std::size_t index = m_next.fetch_add(1);
                 if (index >= m_records.size())
                     break;
-                TRow row = SolveRecord(m_console, m_records[index], m_settings);
+                TRow row = SolveRecord(
+                    m_console, m_records[index], static_cast<int>(index) + 1, m_settings, solved);
                 const std::lock_guard lock(m_mutex);
                 m_rows[index] = std::move(row);
                 m_isReady.notify_all();
@@ -246,19 +265,21 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-TSettings ReadSettings(const TArguments& arguments) {
+TSettings ReadSettings(const TArguments& arguments, const std::filesystem::path& programFolder) {
     TSettings settings;
+    settings.programFolder = programFolder;
+    settings.request = ReadTaskRequest(arguments);
+    settings.memoryBytes = ReadMemoryBytes(arguments);
+    settings.wantsLog = WantsTaskLog(arguments, programFolder);
     settings.isDetailed = arguments.Has("--id");
     settings.isJson = arguments.Has("--json");
     settings.wantsShortest = arguments.Has("--shortest");
     settings.isDeterministic = arguments.Has("--deterministic");
     settings.jobs = static_cast<int>(arguments.Number("--jobs", 1, kMaxJobs).value_or(1));
-    settings.request.wantAllKeys = arguments.Has("--all");
+    // Which worker gets a position, and so what its register has seen, differs from run to run.
+    settings.request.clearRegister |= settings.isDeterministic;
     // The main line costs a search of its own, so a list is solved without it.
     settings.request.wantMainLine = settings.isDetailed || settings.isJson;
-    settings.request.seconds = arguments.Decimal("--time", 0, kMaxSeconds).value_or(0);
-    settings.request.nodes =
-        static_cast<u64>(arguments.Number("--nodes", 0, INT64_MAX).value_or(0));
     return settings;
 }
 
@@ -277,8 +298,9 @@ std::vector<TEpdRecord> ReadRecords(const TArguments& arguments) {
 
 EExitCode RunEpd(const TCommandCall& call) {
     CConsole& console = call.console;
-    const TSettings settings = ReadSettings(call.arguments);
+    TSettings settings = ReadSettings(call.arguments, call.optionsFile.parent_path());
     const std::vector<TEpdRecord> records = ReadRecords(call.arguments);
+    settings.jobs = std::min(settings.jobs, static_cast<int>(records.size()));
     std::size_t idWidth = 0;
     bool needsNote = false;
     for (const TEpdRecord& record : records) {

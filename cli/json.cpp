@@ -1,5 +1,7 @@
 #include "cli/json.h"
 
+#include "cli/report.h"
+
 namespace quillmere {
 
 TJson MoveJson(const TWrittenMove& move) {
@@ -27,6 +29,10 @@ void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result) {
         return list;
     };
     json["keys"] = write(result.keys, "!");
+    for (std::size_t i = 0; i < result.keys.size(); ++i) {
+        const std::vector<TWrittenMove> line = KeyLine(task, result, i);
+        json["keys"][i]["bestDefence"] = line.size() > 1 ? MoveJson(line[1]) : TJson();
+    }
     if (task.IsDefence())
         json["defences"] = write(result.defences, "!");
     TJson tries = TJson::array();
@@ -38,6 +44,12 @@ void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result) {
     }
     json["tries"] = std::move(tries);
     json["mainLine"] = LineJson(WriteLine(board, isBlack, result.mainLine));
+}
+
+void AddRegisterJson(TJson& json, const TTaskOutcome& outcome) {
+    const TRegisterFigures figures = outcome.registerFigures.value_or(TRegisterFigures());
+    json["registerElements"] = figures.elements;
+    json["memoryMB"] = Megabytes(figures.bytesUsed);
 }
 
 std::string JsonLine(const TJson& json) {

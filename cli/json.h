@@ -18,8 +18,10 @@ constexpr int kSchema = 1;
 
 TJson MoveJson(const TWrittenMove& move);
 TJson LineJson(const std::vector<TWrittenMove>& line);
-// `keys`, `defences`, `tries` and `mainLine` of a solved task.
+// `keys` with their `bestDefence`, `defences`, `tries` and `mainLine` of a solved task.
 void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result);
+// `registerElements` and `memoryMB`, of the end of the search; 0 where no register was used.
+void AddRegisterJson(TJson& json, const TTaskOutcome& outcome);
 // One line with its end. Bytes that are no UTF-8 are replaced, so that the output always parses.
 std::string JsonLine(const TJson& json);
 

@@ -47,6 +47,13 @@ void ExpectArguments(const TArguments& arguments, std::size_t count, const char*
                               {arguments.positionals[count], "options"});
 }
 
+// Where the option is to be written, or its place told: without a folder there is none.
+const std::filesystem::path& NamedFile(const TCommandCall& call) {
+    if (call.optionsFile.empty())
+        throw ChessException(EMessage::kNoProgramFolder);
+    return call.optionsFile;
+}
+
 }  // namespace
 
 EExitCode RunOptions(const TCommandCall& call) {
@@ -66,10 +73,10 @@ EExitCode RunOptions(const TCommandCall& call) {
             call.console.Print(value + "\n");
     } else if (action == "set") {
         ExpectArguments(arguments, 3, arguments.positionals.size() < 2 ? "KEY" : "VALUE");
-        SetOption(call.optionsFile, arguments.positionals[1], arguments.positionals[2]);
+        SetOption(NamedFile(call), arguments.positionals[1], arguments.positionals[2]);
     } else if (action == "path") {
         ExpectArguments(arguments, 1, "path");
-        call.console.Print(call.optionsFile.string() + "\n");
+        call.console.Print(NamedFile(call).string() + "\n");
     } else {
         throw CUsageException(EMessage::kUsageChoice, {"options", action, "list, get, set, path"});
     }

@@ -5,6 +5,7 @@
 #include "core/fen.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 
 namespace quillmere {
@@ -33,6 +34,13 @@ std::string Wrap(std::string_view text) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return out;
+}
+
+std::string RegisterText(const CConsole& console, EMessage id, const TRegisterFigures& figures) {
+    return console.Text(id,
+                        {std::to_string(figures.elements),
+                         std::to_string(figures.doubtfulElements),
+                         fmt::format("{:.1f}", Megabytes(figures.bytesUsed))});
 }
 
 std::string Row(std::string_view label, std::string_view text) {
@@ -65,6 +73,11 @@ std::string SecondsText(u64 milliseconds) {
     return fmt::format("{}.{:02}", milliseconds / 1000, milliseconds % 1000 / 10);
 }
 
+double Megabytes(u64 bytes) {
+    constexpr double kBytes = 1 << 20;
+    return std::round(static_cast<double>(bytes) * 10 / kBytes) / 10;
+}
+
 std::string StipulationText(const CConsole& console, const TTask& task) {
     const std::string side = console.Text(task.position.IsBlackToMove() ? EMessage::kBlackToMove
                                                                         : EMessage::kWhiteToMove);
@@ -85,10 +98,23 @@ std::string ReportText(const CConsole& console, const TTask& task, const TTaskOu
         moves += moves.empty() ? "" : "  ";
         moves += NumberedLine({WriteMove(board, isBlack, move)}, isBlack) + "!";
     }
+    moves = moves.empty() ? label(EMessage::kNone) : console.Bold(moves);
+    // A key is asked for; but that a defence holds could be read as if no other did.
+    if (task.IsDefence() && !found.empty() && !outcome.wereAllAsked)
+        moves += fmt::format(" ({})", label(EMessage::kFirstDefenceFound));
     std::string out = Row(label(task.IsDefence()   ? EMessage::kLabelDefences
                                 : found.size() > 1 ? EMessage::kLabelKeys
                                                    : EMessage::kLabelKey),
-                          moves.empty() ? label(EMessage::kNone) : console.Bold(moves));
+                          moves);
+
+    std::string defenceLabel = label(EMessage::kLabelBestDefence);
+    for (std::size_t i = 0; i < result.keys.size(); ++i) {
+        const std::vector<TWrittenMove> line = KeyLine(task, result, i);
+        if (line.size() < 2)
+            continue;
+        out += Row(defenceLabel, NumberedLine(line, isBlack));
+        defenceLabel.clear();
+    }
 
     std::string triesLabel = label(EMessage::kLabelTries);
     for (const TTry& attempt : result.tries) {
@@ -106,6 +132,9 @@ std::string ReportText(const CConsole& console, const TTask& task, const TTaskOu
     if (result.verdict == ESolveVerdict::kProvedMate && !result.isComplete)
         verdict += fmt::format(" ({})", label(EMessage::kNotAllTried));
     out += Row(label(EMessage::kLabelVerdict), verdict);
+    if (outcome.registerFigures)
+        out += Row(label(EMessage::kLabelRegister),
+                   RegisterText(console, EMessage::kRegisterFigures, *outcome.registerFigures));
     out += Row(label(EMessage::kLabelWork),
                console.Text(EMessage::kWorkDone,
                             {std::to_string(result.nodes),
@@ -120,8 +149,11 @@ TProgressCallback ShowProgress(CConsole& console, const TTask& task) {
     return [&console, &task](const TTaskProgress& progress) {
         const std::string nodes = std::to_string(progress.nodes);
         const std::string seconds = std::to_string(progress.milliseconds / 1000);
+        std::string memory;
+        if (progress.registerFigures)
+            memory = RegisterText(console, EMessage::kProgressRegister, *progress.registerFigures);
         if (progress.isAfterKeys) {
-            console.Status(console.Text(EMessage::kProgressAfterKeys, {nodes, seconds}));
+            console.Status(console.Text(EMessage::kProgressAfterKeys, {nodes, seconds}) + memory);
         } else if (progress.number > 0) {
             const bool isBlack = task.position.IsBlackToMove();
             const auto move = WriteMove(task.position.board, isBlack, progress.move);
@@ -130,7 +162,8 @@ TProgressCallback ShowProgress(CConsole& console, const TTask& task) {
                                          std::to_string(progress.number),
                                          std::to_string(progress.count),
                                          nodes,
-                                         seconds}));
+                                         seconds}) +
+                           memory);
         }
     };
 }

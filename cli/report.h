@@ -12,7 +12,7 @@ namespace quillmere {
 std::string Diagram(const TChessboard& board);
 // "Mate in 3, white to move".
 std::string StipulationText(const CConsole& console, const TTask& task);
-// Key, tries, main line, verdict and work, a line each.
+// Key, tries, main line, verdict, register and work, a line each.
 std::string ReportText(const CConsole& console, const TTask& task, const TTaskOutcome& outcome);
 // Tells the console's status line how far a search is.
 TProgressCallback ShowProgress(CConsole& console, const TTask& task);
@@ -20,5 +20,7 @@ TProgressCallback ShowProgress(CConsole& console, const TTask& task);
 // Length of the task in moves: of a mate in n it is n, of a defence task the pairs of moves.
 int FullMovesOfTask(const TTask& task);
 std::string SecondsText(u64 milliseconds);
+// Rounded to tenths.
+double Megabytes(u64 bytes);
 
 }  // namespace quillmere

@@ -3,6 +3,8 @@
 #include "cli/commands.h"
 #include "cli/json.h"
 #include "cli/report.h"
+#include "cli/task_arguments.h"
+#include "cli/task_log.h"
 #include "core/platform/interrupt.h"
 #include "core/text.h"
 
@@ -10,8 +12,6 @@
 
 namespace quillmere {
 namespace {
-
-constexpr double kMaxSeconds = 1e9;
 
 // Half-moves of the task from --moves and --half-moves, which may both be given if they agree.
 int ReadLength(const TArguments& arguments) {
@@ -65,6 +65,7 @@ std::string JsonText(const TTask& task, const TTaskOutcome& outcome) {
     json["nodes"] = result.nodes;
     json["madeMoves"] = result.madeMoves;
     json["ms"] = outcome.milliseconds;
+    AddRegisterJson(json, outcome);
     json["threads"] = 1;
     return JsonLine(json);
 }
@@ -91,11 +92,11 @@ EExitCode RunSolve(const TCommandCall& call) {
     const TArguments& arguments = call.arguments;
     CConsole& console = call.console;
     const int halfMoves = ReadLength(arguments);
-    TTaskRequest request;
-    request.wantAllKeys = arguments.Has("--all");
-    request.wantTries = arguments.Has("--tries");
-    request.seconds = arguments.Decimal("--time", 0, kMaxSeconds).value_or(0);
-    request.nodes = static_cast<u64>(arguments.Number("--nodes", 0, INT64_MAX).value_or(0));
+    TTaskRequest request = ReadTaskRequest(arguments);
+    const std::filesystem::path programFolder = call.optionsFile.parent_path();
+    const bool wantsLog = WantsTaskLog(arguments, programFolder);
+    CTaskRegister solved(ReadMemoryBytes(arguments), programFolder);
+    request.solved = &solved;
     if (request.wantTries && halfMoves % 2 == 0)
         throw CUsageException(EMessage::kUsageTriesInDefence);
 
@@ -109,23 +110,25 @@ EExitCode RunSolve(const TCommandCall& call) {
     // The worst of several: interrupted, undecided, no mate, mate.
     EExitCode code = kExitDone;
     bool hasNoted = false;
-    bool isFirst = true;
+    int number = 0;
     for (const TTask& task : tasks) {
         if (task.position.NeedsCastlingNote() && !hasNoted) {
             console.Note(console.Text(EMessage::kCastlingNote));
             hasNoted = true;
         }
+        CTaskLog log(wantsLog, programFolder, ++number);
+        request.movesLog = log.Log();
         const TTaskOutcome outcome = RunTask(task, request, ShowProgress(console, task));
+        log.Tell(console);
         if (arguments.Has("--json")) {
             console.Print(JsonText(task, outcome));
         } else {
-            std::string report = isFirst ? "" : "\n";
+            std::string report = number == 1 ? "" : "\n";
             if (isList)
                 report += WritePosition(task.position) + "\n";
             report += StipulationText(console, task) + "\n\n";
             console.Print(report + ReportText(console, task, outcome));
         }
-        isFirst = false;
         code = std::max(code, ExitCodeOf(outcome));
         if (outcome.isInterrupted)
             break;

@@ -58,11 +58,13 @@ class CWatcher {
 public:
     CWatcher(TSearchContext& context,
              const CProgressRecord& record,
+             const TAggregatedTemporaryChessboardRegister* solved,
              bool isSwapped,
              double seconds,
              const TProgressCallback& progress)
         : m_context(context),
           m_record(record),
+          m_solved(solved),
           m_isSwapped(isSwapped),
           m_seconds(seconds),
           m_progress(progress),
@@ -116,11 +118,14 @@ private:
             progress.move = SwapMove(progress.move);
         progress.nodes = m_context.nodeCount.load(std::memory_order_relaxed);
         progress.milliseconds = elapsed;
+        if (m_solved != nullptr)
+            progress.registerFigures = m_solved->Figures();
         m_progress(progress);
     }
 
     TSearchContext& m_context;
     const CProgressRecord& m_record;
+    const TAggregatedTemporaryChessboardRegister* m_solved;  // null for none
     bool m_isSwapped;
     double m_seconds;
     const TProgressCallback& m_progress;
@@ -134,7 +139,8 @@ private:
 };
 
 void SwapResult(TSolveResult& result) {
-    for (std::vector<TMove>* moves : {&result.keys, &result.defences, &result.mainLine}) {
+    for (std::vector<TMove>* moves :
+         {&result.keys, &result.bestDefences, &result.defences, &result.mainLine}) {
         for (TMove& move : *moves)
             move = SwapMove(move);
     }
@@ -183,12 +189,17 @@ RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback&
     solve.wantTries = request.wantTries;
     solve.wantMainLine = request.wantMainLine;
     solve.nodeLimit = request.nodes;
+    solve.movesLog = request.movesLog;
+    solve.clearRegister = request.clearRegister;
 
     TTaskOutcome outcome;
     TSearchContext context;
     CProgressRecord record;
+    TAggregatedTemporaryChessboardRegister* solved =
+        request.solved == nullptr ? nullptr : request.solved->ForHalfMoves(task.halfMoves);
+    context.tempRegister = solved;
     {
-        const CWatcher watcher(context, record, task.isSwapped, request.seconds, progress);
+        const CWatcher watcher(context, record, solved, task.isSwapped, request.seconds, progress);
         RunOnThreadWithStack(SolveStackBytes(task.halfMoves),
                              [&] { outcome.result = Solve(task.board, solve, context, &record); });
         outcome.milliseconds = MillisecondsSince(watcher.Start());
@@ -197,9 +208,22 @@ RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback&
             outcome.result.verdict = ESolveVerdict::kLimit;
     }
     outcome.isInterrupted = WasInterrupted();
+    outcome.wereAllAsked = request.wantAllKeys || request.wantTries;
+    if (solved != nullptr) {
+        if (const u32 incoherent = solved->IncoherentElements(); incoherent != 0)
+            throw ChessException(EMessage::kRegisterIncoherent, {std::to_string(incoherent)});
+        outcome.registerFigures = solved->Figures();
+    }
     if (task.isSwapped)
         SwapResult(outcome.result);
     return outcome;
+}
+
+std::vector<TWrittenMove> KeyLine(const TTask& task, const TSolveResult& result, std::size_t key) {
+    std::vector<TMove> moves = {result.keys[key]};
+    if (key < result.bestDefences.size() && !result.bestDefences[key].IsNull())
+        moves.push_back(result.bestDefences[key]);
+    return WriteLine(task.position.board, task.position.IsBlackToMove(), moves);
 }
 
 std::string_view VerdictWord(ESolveVerdict verdict) {

@@ -2,8 +2,11 @@
 // colours and squares.
 #pragma once
 
+#include "cli/play_board.h"
+#include "cli/task_register.h"
 #include "core/chessboard.h"
 #include "core/fen_check.h"
+#include "search/moves_log.h"
 #include "search/solve.h"
 
 #include <functional>
@@ -53,15 +56,26 @@ TTask MakeTask(const TPosition& position, int halfMoves);
 struct TTaskRequest {
     bool wantAllKeys = false;
     bool wantTries = false;
-    bool wantMainLine = true;
-    double seconds = 0;  // 0 for no limit
-    u64 nodes = 0;       // 0 for no limit
+    bool wantMainLine = true;  // and the best defences
+    double seconds = 0;        // 0 for no limit
+    u64 nodes = 0;             // 0 for no limit
+    // Solved positions; not owned, null for none. A task too short for a register leaves it alone.
+    CTaskRegister* solved = nullptr;
+    // Empty the register first; else what earlier tasks found is used, and the answers are the same.
+    bool clearRegister = true;
+    // Of the search for keys; not owned, null for none. Its moves are those of the search: with
+    // colours swapped if black mates.
+    CMovesLog* movesLog = nullptr;
 };
 
 struct TTaskOutcome {
     TSolveResult result;  // moves in the user's colours and squares
     u64 milliseconds = 0;
     bool isInterrupted = false;
+    // Every first move (or defence) was asked for, so that those which were found are all there are.
+    bool wereAllAsked = false;
+    // Of the register at the end, with what it held before; nothing if the task used none.
+    std::optional<TRegisterFigures> registerFigures;
 };
 
 struct TTaskProgress {
@@ -71,6 +85,7 @@ struct TTaskProgress {
     bool isAfterKeys = false;
     u64 nodes = 0;
     u64 milliseconds = 0;
+    std::optional<TRegisterFigures> registerFigures;  // nothing if the task uses none
 };
 
 // Called a few times a second, by a thread of its own.
@@ -78,8 +93,13 @@ using TProgressCallback = std::function<void(const TTaskProgress&)>;
 
 // Solves on a thread with the stack that the length needs, and waits. The time limit and Ctrl-C
 // stop the search; what is known then is in the outcome, with the verdict kLimit or kStopped.
+// Throws ChessException (kRegisterIncoherent) if the register has contradicted itself, which only a
+// wrong verdict can bring about: then no answer can be trusted.
 TTaskOutcome
 RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback& progress = {});
+
+// The key of that place, and black's best defence to it where there is one and it was found.
+std::vector<TWrittenMove> KeyLine(const TTask& task, const TSolveResult& result, std::size_t key);
 
 // "mate", "no mate", "doubtful", "stopped", "limit": the same in every language.
 std::string_view VerdictWord(ESolveVerdict verdict);

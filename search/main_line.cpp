@@ -3,22 +3,14 @@
 #include "core/legality.h"
 #include "core/make_move.h"
 #include "core/thread_context.h"
+#include "search/best_defence.h"
 #include "search/mate_search.h"
 #include "search/pause.h"
 
-#include <algorithm>
 #include <deque>
 
 namespace quillmere {
 namespace {
-
-// A copy of the node with fewer half-moves left; parent and last move stay, so that rights, en
-// passant and repetition are judged by the whole line.
-TChessboard WithHalfMoves(const TChessboard& node, int halfMoves) {
-    TChessboard copy = node;
-    copy.m_nMoves = static_cast<u16>(halfMoves);
-    return copy;
-}
 
 // A move of the search, made on a copy that has `parent` as its parent.
 bool MakeSearchMove(TChessboard& child, TChessboard& parent, TMove move) {
@@ -44,42 +36,6 @@ bool FindMatingMove(TChessboard& node, TMove* mate) {
 }
 
 }  // namespace
-
-bool FindLongestDefence(TChessboard& node, TMove* defence, int* halfMoves) {
-    TMoveList list;
-    list.count = GetLegalMoves(node, list.moves);
-    if (list.count == 0)
-        return false;
-    std::vector<int> candidates(list.count);
-    for (int i = 0; i < list.count; ++i)
-        candidates[i] = i;
-    const int limit = node.m_nMoves - 1;
-    int round = 1;
-    // Everything left after the last round but one needs the full length; the first is enough.
-    for (; round < limit && !candidates.empty(); round += 2) {
-        const bool isLastRound = round + 2 >= limit;
-        std::vector<int> survivors;
-        for (const int index : candidates) {
-            TChessboard child{};
-            const bool isMated = MakeSearchMove(child, node, list[index]) && [&child, round] {
-                TChessboard test = WithHalfMoves(child, round);
-                return FindMate(test, true) == kMate;
-            }();
-            if (IsStopped(node))
-                return false;
-            if (!isMated)
-                survivors.push_back(index);
-            if (!isMated && isLastRound)
-                break;
-        }
-        if (survivors.empty())
-            break;
-        candidates = std::move(survivors);
-    }
-    *defence = list[candidates.front()];
-    *halfMoves = std::min(round, limit);
-    return true;
-}
 
 std::vector<TMove> FindMainLine(TChessboard& root, const TMove* key) {
     std::vector<TMove> line;

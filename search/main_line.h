@@ -1,7 +1,7 @@
 // The main line of a solved task, rebuilt by searching again.
 //
 // White plays the first move, in generation order, that mates in the fewest half-moves; black plays
-// the defence that survives longest, the first of equals. Nothing is taken from the proof itself:
+// the defence that survives longest (search/best_defence.h). Nothing is taken from the proof itself:
 // every move of the line was searched for in its place.
 #pragma once
 
@@ -18,10 +18,5 @@ namespace quillmere {
 // from a node in which black to move is mated within its m_nMoves (key is null then). Empty if the
 // search was stopped.
 std::vector<TMove> FindMainLine(TChessboard& root, const TMove* key);
-
-// Black to move and every legal defence loses within m_nMoves: the defence that survives longest,
-// and in *halfMoves the half-moves white then needs (odd). False if black is mated already, or the
-// search was stopped.
-bool FindLongestDefence(TChessboard& node, TMove* defence, int* halfMoves);
 
 }  // namespace quillmere

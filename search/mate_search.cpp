@@ -3,23 +3,73 @@
 #include "core/direct_mates.h"
 #include "core/geometry.h"
 #include "core/make_move.h"
+#include "core/material.h"
 #include "core/move_generation.h"
 #include "core/platform/tick_count.h"
 #include "core/rights.h"
+#include "search/move_ordering.h"
+#include "search/moves_log.h"
 #include "search/node_hooks.h"
 #include "search/pause.h"
+#include "search/refuted_moves.h"
+#include "search/register_access.h"
 #include "search/repetition.h"
 
+#include <algorithm>
 #include <cassert>
 
 namespace quillmere {
 namespace {
 
+// The nodes come as twins: with kLogged they also write the moves log (search/moves_log.h). The
+// public names choose the twin at the top; below it the recursion stays inside, so that a search
+// without a log does not even ask for one.
+template <bool kLogged>
+TVerdict FindMateTwin(TChessboard& node, bool useRegister);
+template <bool kLogged>
+TVerdict CheckDefencesTwin(TChessboard& node);
+
+bool IsLogged(const TChessboard& node) {
+    return node.m_threadContext->movesLog != nullptr;
+}
+
+// The log calls of a twin; without a log there is nothing left of them.
+
+template <bool kLogged>
+void LogMoveIf(const TChessboard& child, TMove move) {
+    if constexpr (kLogged)
+        LogMove(child, move, child.IsWhiteToMove());
+}
+
+template <bool kLogged>
+void LogResultIf(const TChessboard& child, TVerdict verdict) {
+    if constexpr (kLogged)
+        LogResult(child, verdict);
+}
+
+template <bool kLogged>
+void NoteDoubtIf(TThreadContext& thread, u32 code, bool isFromRegister = false) {
+    if constexpr (kLogged)
+        thread.doubtCause = TDoubtCause{code, isFromRegister};
+}
+
+// What the register knew about the node.
+template <bool kLogged>
+void LogRegisterIf(const TChessboard& node, TVerdict known) {
+    if (known == kDoubtful)
+        NoteDoubtIf<kLogged>(*node.m_threadContext, node.m_nMoves, true);
+    if constexpr (kLogged) {
+        if (known == kMate)
+            LogRegisterMate(node);
+    }
+}
+
 // Thresholds, all in half-moves
-constexpr int kRegisterRoot = 10;      // below it the root is solved faster than the register fills
-constexpr int kRegisterLevel = 3;      // below it a look-up costs more than the search
 constexpr int kCountedLevels = 4;      // nodes below it are counted
-constexpr int kUnsortedLevels = 4;     // below it black's list is lazy and unsorted
+constexpr int kUnsortedLevels = 4;     // below it black's list is not sorted
+constexpr int kLazyLevels = 8;         // below it black's list comes in parts
+constexpr int kSortLevel = 7;          // below it sorting white's list costs what it gives
+constexpr int kCheapLevel = 11;        // below it, and a little above, the lean sort will do
 constexpr int kPatternLevel = 16;      // above it, near the root, patterns are tried
 constexpr int kUnavoidableLevel = 17;  // from it on, near the root, "mate is unavoidable" is asked
 constexpr int kNearRoot = 10;          // plies from the root
@@ -99,6 +149,49 @@ TVerdict FindMateAtLastMove(TChessboard& node) {
     return kMate;
 }
 
+// The list is short enough, or white poor enough, for the lean sort.
+bool IsListCheap(const TChessboard& node) {
+    constexpr int kCheapFewFigures = 13;
+    constexpr int kFewFigures = 4;
+    const u8* c = node.m_counts;
+    if (node.m_nMoves < kCheapLevel)
+        return true;
+    if (node.m_nMoves < kCheapFewFigures)
+        return (node.m_positionFlags & kPositionManyReplies) == 0 &&
+               c[kWhiteQueens] + c[kWhiteRooks] + c[kBlackBishops] < kFewFigures;
+    return node.m_nMoves == kCheapFewFigures && (node.m_positionFlags & kPositionTied) != 0;
+}
+
+// Heuristics that want the full order, and where it is worth its price.
+bool IsLeanSortEnough(const TChessboard& node) {
+    constexpr u32 kFullOrderHeuristics = 0x800c4;
+    constexpr int kShortLevel = 8;
+    constexpr int kNearKings = 4;
+    constexpr int kPoorSide = 3;
+    const int nearKings =
+        KingDistance(node.WhiteKingSquare(), node.BlackKingSquare()) <= kNearKings ? 1 : 0;
+    return (node.Heur & kFullOrderHeuristics) == 0 || node.m_nMoves <= kShortLevel ||
+           CountWhiteFigures(node) + nearKings <= kPoorSide;
+}
+
+// The order of white's list. Returns false if the sort met a mate.
+bool SortListedMoves(TChessboard& node, TMoveList& list, bool& retry) {
+    if (node.m_nMoves >= kSortLevel && IsListCheap(node) && IsLeanSortEnough(node)) {
+        list.count = SortWhiteMovesLean(node, list.count, list.moves);
+    } else if (node.m_nMoves >= kSortLevel) {
+        int mateFound = 0;
+        u8 quietCount = 0;
+        u8 mayRetry = 0;
+        list.count =
+            SortWhiteMoves(node, list.count, list.moves, &mateFound, &quietCount, false, &mayRetry);
+        retry = mayRetry != 0;
+        if (mateFound != 0)
+            return false;
+    }
+    BringRememberedForward(node, list.count, list.moves);
+    return true;
+}
+
 // Step 7 of FindMate. Returns false if the sort met a mate.
 bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& retry) {
     TReplay& replay = node.m_threadContext->replay;
@@ -119,22 +212,19 @@ bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& ret
                                           : GetAllWhiteMoves(node, list.moves);
     if ((node.Heur & kHeurBlockBlackPawns) != 0)
         return true;
-    const hooks::TWhiteSort sort = hooks::SortWhiteMoves(node, list);
-    if (sort.isCut)
-        taint.LeftOut();
-    retry = sort.retry;
-    return !sort.mateFound;
+    return SortListedMoves(node, list, retry);
 }
 
 // Ends a line whose mate is thought to be unavoidable. It must be a complete black node, whatever
 // made it look so.
+template <bool kLogged>
 TVerdict FinishMate(TChessboard& child) {
-    return CheckDefences(child);
+    return CheckDefencesTwin<kLogged>(child);
 }
 
-void StoreMate(const TChessboard& node) {
-    if (!IsStopped(node) && MayUseRegister(node))
-        hooks::Insert(node.m_nMoves, node, true);
+void StoreMateIf(const TChessboard& node) {
+    if (MayUseRegister(node))
+        StoreMate(node);
 }
 
 }  // namespace
@@ -150,12 +240,19 @@ void FlushNodeCount(const TChessboard& node) {
         SetStop(context, kStopAll);
 }
 
-bool MayUseRegister(const TChessboard& node) {
-    return node.m_nRootMoves >= kRegisterRoot && node.m_nMoves >= kRegisterLevel &&
-           !IsEnPassantPossible(node) && !HasLostCastlingRightAtHome(node);
+TVerdict FindMate(TChessboard& node, bool useRegister) {
+    return IsLogged(node) ? FindMateTwin<true>(node, useRegister)
+                          : FindMateTwin<false>(node, useRegister);
 }
 
-TVerdict FindMate(TChessboard& node, bool useRegister) {
+TVerdict CheckDefences(TChessboard& node) {
+    return IsLogged(node) ? CheckDefencesTwin<true>(node) : CheckDefencesTwin<false>(node);
+}
+
+namespace {
+
+template <bool kLogged>
+TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
     TThreadContext& thread = *node.m_threadContext;
     const int level = node.m_nMoves;
     assert(node.IsWhiteToMove() && node.m_blackInCheck < 0);
@@ -170,9 +267,11 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
 
     // Step 2. Ask the register.
     if (useRegister && MayUseRegister(node)) {
-        const TVerdict known = hooks::FindInRegister(level, node);
-        if (known >= kDoubtful && (known != kDoubtful || node.m_pass < kPassComplete))
+        const TVerdict known = FindInRegister(node);
+        if (known >= kDoubtful && (known != kDoubtful || node.m_pass < kPassComplete)) {
+            LogRegisterIf<kLogged>(node, known);
             return known;
+        }
     }
 
     // Step 3. Count the node; the last move is found without a list.
@@ -203,7 +302,7 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
     TMoveList list;
     bool retry = false;
     if (!ListWhiteMoves(node, list, taint, retry)) {
-        StoreMate(node);
+        StoreMateIf(node);
         return kMate;
     }
 
@@ -219,16 +318,22 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
     state.list = list.moves;
     state.moveCount = static_cast<u16>(list.count);
     TChessboard& child = thread.ChildSlot(level);
+    CRefutedMoves refuted(node);
+    if (level == kFilteredLevel)
+        refuted.Start();
     for (TListState place{list.moves, list.count, 0}; place.index < list.count; ++place.index) {
         // Step 10.1. Pause and stop.
         const EPause pause = CheckPause(node, place);
         if (pause != EPause::kRun)
             return VerdictOfPause(pause);
         const TMove move = list[place.index];
+        if (level == kFilteredLevel && refuted.Contains(move))
+            continue;
 
         // Step 10.2. King moves that an assumption leaves out.
         if (hooks::IsKingMoveLeftOut(node, move)) {
             taint.LeftOut();
+            NoteDoubtIf<kLogged>(thread, node.Heur);
             continue;
         }
 
@@ -236,21 +341,27 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
         child = node;
         child.m_parent = &node;
         const int made = MakeWhiteMove(child, move);
-        if (made == kMoveLeftOut)
+        if (made == kMoveLeftOut) {
             taint.LeftOut();
+            NoteDoubtIf<kLogged>(thread, node.Heur);
+        }
         if (made != kMoveMade)
             continue;
+        LogMoveIf<kLogged>(child, move);
 
         // Step 10.4. A move into a repetition proves nothing.
         int repeated = 0;
         if (IsRepetition(child, &repeated)) {
             RaiseHorizon(thread, level, repeated, false);
+            LogResultIf<kLogged>(child, kRepetition);
             continue;
         }
 
         // Step 10.5. Moves that the heuristics leave out.
         if (hooks::IsMoveLeftOut(child)) {
             taint.LeftOut();
+            NoteDoubtIf<kLogged>(thread, child.Heur);
+            LogResultIf<kLogged>(child, kDoubtful);
             continue;
         }
 
@@ -261,12 +372,16 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
         // Step 10.7. Search the child.
         const bool isFinish = level >= kUnavoidableLevel && node.Ply() < kNearRoot &&
                               child.BlackKingEdgeDistance() == 0 && hooks::IsMateUnavoidable(child);
-        const TVerdict verdict = isFinish ? FinishMate(child) : CheckDefences(child);
+        const TVerdict verdict =
+            isFinish ? FinishMate<kLogged>(child) : CheckDefencesTwin<kLogged>(child);
         if (IsStopped(node))
             return kNoMate;
+        LogResultIf<kLogged>(child, verdict);
 
         // Step 10.8. What a failure leaves behind.
         if (verdict <= 0) {
+            if (level == kFilteredLevel)
+                refuted.Learn();
             taint.Child(verdict);
             if (verdict == kRepetition) {
                 const TLevelState& below = thread.levels[level - 1];
@@ -279,7 +394,8 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
         if (node.m_lastMove.Promotion() == kQueen && child.m_blackInCheck >= 0 &&
             !BlackHasEvasion(child))
             NoteMateAfterPromotion(node, move);
-        StoreMate(node);
+        StoreMateIf(node);
+        RememberMove(node, move);
         return kMate;
     }
 
@@ -290,6 +406,8 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
         return kNoMate;
     if (pause == EPause::kSkip)
         taint.LeftOut();
+    if (IsHeuristicsDoubtful(node))
+        NoteDoubtIf<kLogged>(thread, node.Heur);
     const bool isDoubtful =
         taint.IsTainted() || state.isHorizonDoubtful || IsHeuristicsDoubtful(node);
 
@@ -302,21 +420,21 @@ TVerdict FindMate(TChessboard& node, bool useRegister) {
     // Step 13. Store. A horizon at or below this level lies inside this subtree: it is resolved.
     if (replayFlag <= 1 && MayUseRegister(node)) {
         if (isDoubtful)
-            hooks::InsertDoubtful(level, node);
+            StoreDoubtful(node);
         else
-            hooks::Insert(level, node, false);
+            StoreNoMate(node);
     }
 
     // Step 14. A list that the sort had cut for a heuristic is run again in full.
     if (retry && hooks::TakeFullList(node))
-        return FindMate(node, false);
+        return FindMateTwin<kLogged>(node, false);
     return isDoubtful ? kDoubtful : kNoMate;
 }
 
-namespace {
-
-// Black's moves, a figure at a time below kUnsortedLevels: in the frequent case that the first
-// defence refutes, the rest is never generated.
+// Black's moves, in parts: in the frequent case that an early defence refutes, the rest is never
+// generated. First come the moves that refuted in like nodes; then, below kUnsortedLevels, the moves
+// of one figure after the other, and above it all others, in order. Near the root and in check the
+// list is one part.
 class CBlackMoves {
 public:
     explicit CBlackMoves(TChessboard& node) : m_node(node) {}
@@ -326,59 +444,124 @@ public:
         if (m_node.m_blackInCheck >= 0) {
             m_list.count = GetBlackEvasions(m_node, m_list.moves);
             m_nextSquare = kSquareCount;
-        } else if (m_node.m_nMoves < kUnsortedLevels) {
-            NextFigure();
-        } else {
-            m_list.count = GetAllBlackMoves(m_node, m_list.moves);
-            m_nextSquare = kSquareCount;
+            Sort();
+        } else if (!IsLazy()) {
+            ListRest();
+        } else if (!ListRemembered()) {
+            Next();
         }
-        if (m_node.m_nMoves < kUnsortedLevels)
-            return kNothingKnown;
-        const hooks::TBlackSort sort = hooks::SortBlackMoves(m_node, m_list);
-        m_kingMovesFiltered = sort.kingMovesFiltered;
-        return sort.verdict;
+        return m_verdict;
     }
 
-    // Fills the list with the moves of the next figure that has any. In one-colour play the pass
-    // is the last "figure": the bishop that was taken off always has a tempo to spare.
-    bool NextFigure() {
+    // The next part. False if there is none, or if a verdict was met that ends the node.
+    bool Next() {
         m_list.count = 0;
+        if (m_nextSquare < kSquareCount) {
+            if (m_node.m_nMoves < kUnsortedLevels)
+                ListNextFigure();
+            else
+                ListRest();
+        }
+        if (m_list.count == 0)
+            ListPass();
+        return m_list.count != 0 && m_verdict == kNothingKnown;
+    }
+
+    // Of the last part, after Next() answered false.
+    TVerdict Verdict() const { return m_verdict; }
+
+    TMoveList& List() { return m_list; }
+    bool KingMovesFiltered() const { return m_kingMovesFiltered; }
+    bool IsLazy() const { return m_node.m_nMoves < kLazyLevels && m_node.m_blackInCheck < 0; }
+
+private:
+    void ListRest() {
+        m_list.count = GetAllBlackMoves(m_node, m_list.moves);
+        m_list.count = DropListed();
+        m_nextSquare = kSquareCount;
+        Sort();
+    }
+
+    void ListNextFigure() {
         while (m_list.count == 0) {
             m_nextSquare = NextFigureSquare(m_node.m_board, m_nextSquare, kBlack);
             if (m_nextSquare == kSquareCount)
                 break;
             m_list.count = GetBlackMoves(m_node, m_nextSquare++, m_list.moves);
+            m_list.count = DropListed();
         }
-        if (m_list.count == 0 && !m_isPassListed && m_node.OneColourMode() != kOneColourOff &&
-            m_node.m_blackInCheck < 0) {
-            m_isPassListed = true;
-            const int king = m_node.BlackKingSquare();
-            m_list[m_list.count++] = MakeMove(king, king);
+    }
+
+    // In one-colour play the pass comes last: the bishop that was taken off always has a tempo to
+    // spare.
+    void ListPass() {
+        if (m_isPassListed || m_node.OneColourMode() == kOneColourOff || m_node.m_blackInCheck >= 0)
+            return;
+        m_isPassListed = true;
+        const int king = m_node.BlackKingSquare();
+        m_list[m_list.count++] = MakeMove(king, king);
+    }
+
+    // Checks are answered by few moves, so that they are worth an order even at the last levels.
+    void Sort() {
+        const int count = SortBlackMoves(m_node, m_list.count, m_list.moves);
+        m_kingMovesFiltered = true;
+        m_list.count = std::max(count, 0);
+        if (count == kSortRefuted)
+            m_verdict = kNoMate;
+        else if (count < 0)
+            m_verdict = count == kSortDoubtful ? kDoubtful : kRepetition;
+    }
+
+    // A lazy list begins with the moves that refuted in like nodes, as far as they are possible.
+    bool ListRemembered() {
+        TMove remembered[kRememberedMoves];
+        const int count = GetRememberedMoves(m_node, remembered);
+        m_list.count = 0;
+        for (int i = 0; i < count; ++i) {
+            if (!IsBlack(m_node.m_board[remembered[i].from]))
+                continue;
+            TMove moves[64];
+            const int moveCount = GetBlackMoves(m_node, remembered[i].from, moves);
+            if (std::any_of(moves, moves + moveCount, [&](TMove move) {
+                    return MovesEqual(move, remembered[i]);
+                }))
+                m_list[m_list.count++] = m_listed[m_listedCount++] = remembered[i];
         }
         return m_list.count != 0;
     }
 
-    TMoveList& List() { return m_list; }
-    bool KingMovesFiltered() const { return m_kingMovesFiltered; }
-    bool IsLazy() const { return m_node.m_nMoves < kUnsortedLevels && m_node.m_blackInCheck < 0; }
+    // Of a figure's moves, those that did not stand in the list before.
+    int DropListed() {
+        const auto isListed = [this](TMove move) {
+            return std::any_of(m_listed, m_listed + m_listedCount, [move](TMove listed) {
+                return MovesEqual(listed, move);
+            });
+        };
+        return static_cast<int>(std::remove_if(m_list.begin(), m_list.end(), isListed) -
+                                m_list.begin());
+    }
 
-private:
     TChessboard& m_node;
     TMoveList m_list;
+    TMove m_listed[kRememberedMoves];
+    int m_listedCount = 0;
     int m_nextSquare = 0;
     bool m_isPassListed = false;
     bool m_kingMovesFiltered = false;
+    TVerdict m_verdict = kNothingKnown;
 };
 
 // Step 7.6 of CheckDefences: the mate is looked for with one assumption more. A mate found so is a
 // mate; otherwise the child stands as it was.
+template <bool kLogged>
 bool IsMateAssumed(TChessboard& child) {
     const u32 heur = child.Heur;
     const u32 heurParams = child.HeurParams;
     child.Heur |= kHeurNoUnblock;
     if (child.m_threadContext->computeHeurParams != nullptr)
         child.m_threadContext->computeHeurParams(child);
-    const TVerdict verdict = FindMate(child, true);
+    const TVerdict verdict = FindMateTwin<kLogged>(child, true);
     child.Heur = heur;
     child.HeurParams = heurParams;
     return verdict == kMate;
@@ -398,9 +581,8 @@ TVerdict TakeRepetition(TThreadContext& thread, int level) {
     return isDoubtful ? kDoubtful : kNoMate;
 }
 
-}  // namespace
-
-TVerdict CheckDefences(TChessboard& node) {
+template <bool kLogged>
+TVerdict CheckDefencesTwin(TChessboard& node) {
     TThreadContext& thread = *node.m_threadContext;
     const int level = node.m_nMoves;
     assert(!node.IsWhiteToMove());
@@ -459,10 +641,14 @@ TVerdict CheckDefences(TChessboard& node) {
             const int made = MakeBlackMove(child, move, moves.KingMovesFiltered());
             if (made == kMoveIllegal)
                 continue;
+            if (made != kMoveMade)
+                NoteDoubtIf<kLogged>(thread,
+                                     made == kMoveLeftOut ? node.Heur : static_cast<u32>(made));
             if (made == kMateImpossible)
                 return NoMateOf(node);
             if (made != kMoveMade)
                 return kDoubtful;
+            LogMoveIf<kLogged>(child, move);
             isAnyLegal = true;
             state.moveIndex = static_cast<u16>(place.index);
             state.publicMoveIndex.store(state.moveIndex, std::memory_order_relaxed);
@@ -471,30 +657,38 @@ TVerdict CheckDefences(TChessboard& node) {
             int repeated = 0;
             if (IsRepetition(child, &repeated)) {
                 RaiseHorizon(thread, level, repeated, false);
+                LogResultIf<kLogged>(child, kRepetition);
                 return kRepetition;
             }
 
             // Step 7.4. Bookkeeping of the heuristics; lines that they give up.
             hooks::UpdateHeuristics(child);
-            if (hooks::IsReplyLeftOut(child))
+            if (hooks::IsReplyLeftOut(child)) {
+                NoteDoubtIf<kLogged>(thread, child.Heur);
+                LogResultIf<kLogged>(child, kDoubtful);
                 return kDoubtful;
+            }
 
             // Steps 7.5 and 7.6. Search the child; near the root of a long task first as if a
             // figure of black could not be unblocked.
             const bool isTried = level >= kUnavoidableLevel && node.Ply() <= kUnblockPlies &&
-                                 hooks::ShouldTryUnblockFirst(child) && IsMateAssumed(child);
-            const TVerdict verdict = isTried ? kMate : FindMate(child, true);
+                                 hooks::ShouldTryUnblockFirst(child) &&
+                                 IsMateAssumed<kLogged>(child);
+            const TVerdict verdict = isTried ? kMate : FindMateTwin<kLogged>(child, true);
             if (IsStopped(node))
                 return kNoMate;
+            LogResultIf<kLogged>(child, verdict);
 
             // Step 7.7. A defence that holds, or a doubt, ends the node.
             if (verdict == kRepetition)
                 return TakeRepetition(thread, level);
-            if (verdict <= 0)
+            if (verdict <= 0) {
+                RememberMove(node, move);
                 return verdict;
+            }
 
             // Step 7.8. The defence failed.
-            hooks::CompareWithRegister(child);
+            CheckMateAgainstRegister(child);
 
             // Step 7.9. Promotion pruning: rook and bishop fail as the queen did. The knight, which
             // moves otherwise, is always tried.
@@ -502,10 +696,19 @@ TVerdict CheckDefences(TChessboard& node) {
                 dropped = move;
             thread.isPromotionSquareFree = false;
         }
-    } while (moves.NextFigure());
+    } while (moves.Next());
+    if (moves.Verdict() != kNothingKnown)
+        return moves.Verdict();
 
     // Step 8. No defence is left: mate, unless black is stalemated.
     return isAnyLegal || node.m_blackInCheck >= 0 ? kMate : kNoMate;
 }
+
+template TVerdict FindMateTwin<false>(TChessboard& node, bool useRegister);
+template TVerdict FindMateTwin<true>(TChessboard& node, bool useRegister);
+template TVerdict CheckDefencesTwin<false>(TChessboard& node);
+template TVerdict CheckDefencesTwin<true>(TChessboard& node);
+
+}  // namespace
 
 }  // namespace quillmere

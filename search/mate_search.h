@@ -27,11 +27,6 @@ TVerdict FindMate(TChessboard& node, bool useRegister);
 // does not.
 TVerdict CheckDefences(TChessboard& node);
 
-// May the register be asked about this node, and filled with it? It needs a root of at least ten
-// half-moves and three left, and a position that its 64 squares describe in full: no en passant
-// capture possible, and no king and rook at home whose castling right is gone.
-bool MayUseRegister(const TChessboard& node);
-
 // Adds the nodes that the thread has not yet added to the shared counter.
 void FlushNodeCount(const TChessboard& node);
 

@@ -10,6 +10,8 @@
 #include "core/rights.h"
 #include "core/verdict.h"
 
+#include <string>
+
 namespace quillmere::hooks {
 
 // Precalculated endings
@@ -18,16 +20,6 @@ namespace quillmere::hooks {
 inline TVerdict AskTables(const TChessboard& /*node*/) {
     return kNothingKnown;
 }
-
-// Register of solved positions; `level` is the depth in half-moves that is asked or stored. Asked
-// only where MayUseRegister allows it.
-
-inline TVerdict FindInRegister(int /*level*/, const TChessboard& /*node*/) {
-    return kNothingKnown;
-}
-// Only for a result that is exact.
-inline void Insert(int /*level*/, const TChessboard& /*node*/, bool /*isMate*/) {}
-inline void InsertDoubtful(int /*level*/, const TChessboard& /*node*/) {}
 
 // Tests that may end a node early
 
@@ -61,29 +53,10 @@ inline bool GetForcingMoves(TChessboard& /*node*/, TMoveList& /*list*/) {
     return false;
 }
 
-struct TWhiteSort {
-    bool mateFound = false;
-    bool isCut = false;  // moves were dropped by an assumption: the node is tainted
-    bool retry = false;  // the full list should be tried after the cut one
-};
-inline TWhiteSort SortWhiteMoves(TChessboard& /*node*/, TMoveList& /*list*/) {
-    return {};
-}
-
 // After a cut list failed: switches off, for this node, the heuristic that had it cut. False if it
 // is off already.
 inline bool TakeFullList(TChessboard& /*node*/) {
     return false;
-}
-
-struct TBlackSort {
-    // kNothingKnown: go on with the list; else the verdict of the node.
-    TVerdict verdict = kNothingKnown;
-    // No king move of the list steps into check.
-    bool kingMovesFiltered = false;
-};
-inline TBlackSort SortBlackMoves(TChessboard& /*node*/, TMoveList& /*list*/) {
-    return {};
 }
 
 // Threads
@@ -109,12 +82,12 @@ inline bool IsReplyLeftOut(TChessboard& /*child*/) {
 inline void NoteSingleQueen(TChessboard& /*node*/) {}
 // Takes the bookkeeping of the heuristics over to the child, one-colour play included.
 inline void UpdateHeuristics(TChessboard& /*child*/) {}
+// The heuristics of the word in words, for the moves log; empty if they have none.
+inline std::string HeuristicsText(u32 /*heur*/) {
+    return {};
+}
 inline bool ShouldTryUnblockFirst(const TChessboard& /*child*/) {
     return false;
 }
-
-// A mate that the search proved is compared with what the register says. It logs and asserts; it
-// never overturns the proof.
-inline void CompareWithRegister(const TChessboard& /*child*/) {}
 
 }  // namespace quillmere::hooks

@@ -3,19 +3,29 @@
 #include "core/legality.h"
 #include "core/make_move.h"
 #include "core/thread_context.h"
+#include "registers/aggregated_register.h"
+#include "search/best_defence.h"
 #include "search/main_line.h"
 #include "search/mate_search.h"
+#include "search/move_ordering.h"
+#include "search/moves_log.h"
 #include "search/pause.h"
+#include "search/register_access.h"
+#include "search/sort_indication.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <memory>
 
 namespace quillmere {
 namespace {
 
 // Two frames with a move list each stand on the stack for every two half-moves.
 constexpr std::size_t kStackBytesPerHalfMove = 4096;
+// Half-moves of the root from which on its list is sorted. Shorter tasks are over at once.
+constexpr int kSortedRoot = 5;
+
 constexpr std::size_t kStackFloorBytes = std::size_t{1} << 20;
 
 class CSolver {
@@ -35,12 +45,17 @@ public:
         m_root.m_pass = kPassComplete;
         SetupAnalysisRoot(m_root, request.halfMoves, true);
         m_thread.rootNode = &m_root;
+        m_thread.moveMemory = m_memory.get();
         context.nodeLimit = request.nodeLimit;
+        PrepareRegister();
     }
 
     TSolveResult Run() {
         m_firstMoves.count = GetLegalMoves(m_root, m_firstMoves.moves);
+        SortFirstMoves();
+        m_thread.movesLog = m_request.movesLog;
         m_result.verdict = SearchFirstMoves();
+        m_thread.movesLog = nullptr;
         m_result.isComplete = !IsStopped(m_root);
         m_observer.OnAfterKeys();
         if (m_request.wantTries && m_root.IsWhiteToMove() && !IsStopped(m_root))
@@ -50,6 +65,8 @@ public:
             const bool hasKey = m_root.IsWhiteToMove();
             m_result.mainLine = FindMainLine(m_root, hasKey ? &m_result.keys.front() : nullptr);
         }
+        if (m_request.wantMainLine)
+            FindBestDefences();
         FlushNodeCount(m_root);
         m_result.nodes = m_context.nodeCount.load(std::memory_order_relaxed);
         m_result.madeMoves = m_thread.madeMoves;
@@ -67,9 +84,50 @@ private:
         const int made = isWhite ? MakeWhiteMove(child, move) : MakeBlackMove(child, move, false);
         if (made != kMoveMade)
             return kNoMate;  // the list is legal, so white has no mating material left
+        LogMove(child, move, !isWhite);
         const TVerdict verdict = isWhite ? CheckDefences(child) : FindMate(child, true);
         assert(verdict != kRepetition);
+        if (!IsStopped(m_root))
+            LogResult(child, verdict);
         return verdict;
+    }
+
+    // The one place where the register is cleared. A task too short for it leaves it alone.
+    void PrepareRegister() {
+        TAggregatedTemporaryChessboardRegister* store = m_context.tempRegister;
+        if (store == nullptr || m_request.halfMoves < m_context.registerRoot)
+            return;
+        if (m_request.clearRegister)
+            store->Clear(0, false);
+        store->Resize(BucketsOfRoot(m_request.halfMoves), true);
+    }
+
+    // Keys are found sooner in a good order, and told in the order of generation.
+    void SortFirstMoves() {
+        m_listedMoves = m_firstMoves;
+        if (!m_root.IsWhiteToMove() || m_request.halfMoves < kSortedRoot)
+            return;
+        // The list is legal, so nothing is dropped; a mate in one is only another key.
+        int mateFound = 0;
+        u8 quietCount = 0;
+        u8 retry = 0;
+        SortWhiteMoves(
+            m_root, m_firstMoves.count, m_firstMoves.moves, &mateFound, &quietCount, false, &retry);
+        for (TMove& move : m_firstMoves)
+            move.enPassant = 0;  // the key of the sort
+        if (m_request.sortIndications != nullptr)
+            ApplySortIndications(m_root, m_firstMoves, *m_request.sortIndications);
+    }
+
+    // Puts moves of the root into the order of generation.
+    void SortAsListed(std::vector<TMove>& moves) const {
+        const auto place = [this](TMove move) {
+            return std::find_if(m_listedMoves.begin(), m_listedMoves.end(), [move](TMove listed) {
+                return MovesEqual(listed, move);
+            });
+        };
+        std::sort(
+            moves.begin(), moves.end(), [&place](TMove a, TMove b) { return place(a) < place(b); });
     }
 
     bool IsEnough() const {
@@ -99,6 +157,7 @@ private:
             }
             isDoubtful |= verdict < 0;
         }
+        SortAsListed(found);
         return VerdictOf(isWhite, !found.empty(), isDoubtful);
     }
 
@@ -118,11 +177,27 @@ private:
         return isStalemate ? ESolveVerdict::kProvedNoMate : ESolveVerdict::kProvedMate;
     }
 
+    void FindBestDefences() {
+        for (const TMove key : m_result.keys) {
+            const bool isTold = m_result.bestDefences.empty() && m_result.mainLine.size() > 1;
+            m_result.bestDefences.push_back(isTold ? m_result.mainLine[1] : BestDefenceTo(key));
+        }
+    }
+
+    TMove BestDefenceTo(TMove key) {
+        TChessboard child = m_root;
+        child.m_parent = &m_root;
+        TMove defence{};
+        if (!IsStopped(m_root) && MakeWhiteMove(child, key) == kMoveMade)
+            GetBestDefence(child, &defence);  // leaves the null move if it is stopped
+        return defence;
+    }
+
     // Looks for first moves, other than keys, with exactly one refutation. False if stopped, or if a
     // first move stayed undecided.
     bool FindTries() {
         bool isComplete = true;
-        for (const TMove move : m_firstMoves) {
+        for (const TMove move : m_listedMoves) {
             const bool isKey = std::any_of(m_result.keys.begin(),
                                            m_result.keys.end(),
                                            [move](TMove key) { return MovesEqual(key, move); });
@@ -178,9 +253,11 @@ private:
     TSearchContext& m_context;
     ISolveObserver m_silent;
     ISolveObserver& m_observer;
+    std::unique_ptr<TMoveMemory> m_memory = std::make_unique<TMoveMemory>();
     TThreadContext m_thread;
     TChessboard m_root{};
-    TMoveList m_firstMoves;
+    TMoveList m_firstMoves;   // in the order in which they are tried
+    TMoveList m_listedMoves;  // the same in the order of generation
     TSolveResult m_result;
 };
 

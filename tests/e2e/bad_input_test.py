@@ -7,6 +7,10 @@ import unittest
 from program import LOYD_5, ProgramTest
 
 
+# Megabytes that no machine has.
+TOO_MUCH = "999999999999"
+
+
 class BadFen(ProgramTest):
     ROWS = [
         ("", "empty"),
@@ -96,6 +100,27 @@ class BadEpd(ProgramTest):
         self.assert_refused(3, "No such file", "epd", "missing\nfile.epd")
 
 
+class NoFolder(ProgramTest):
+    """Nothing names a folder for the files of the program, not even HOME."""
+
+    HOMELESS = dict(QUILLMERE_HOME="", XDG_CONFIG_HOME="", HOME="")
+
+    def test_what_needs_a_folder_says_so(self):
+        for arguments in (
+            ["options", "set", "QuickMode", "0"],
+            ["options", "path"],
+            ["solve", LOYD_5, "--moves", "2", "--log-moves"],
+        ):
+            with self.subTest(arguments=arguments):
+                self.assert_refused(3, ["no folder", "--home"], *arguments, **self.HOMELESS)
+
+    def test_the_rest_works_with_defaults(self):
+        result = self.run_program("options", "get", "QuickMode", **self.HOMELESS)
+        self.assertEqual((result.code, result.out), (0, "1\n"))
+        result = self.run_program("solve", LOYD_5, "--moves", "6", **self.HOMELESS)
+        self.assertEqual((result.code, result.err), (0, ""))
+
+
 class BadOptions(ProgramTest):
     def test_value_out_of_range(self):
         self.assert_refused(
@@ -133,6 +158,21 @@ class WrongUsage(ProgramTest):
         (["solve", LOYD_5, "--moves", "2", "--time", "-1"], ["--time", "'-1'"]),
         (["solve", LOYD_5, "--moves", "2", "--time", "1,5"], ["--time", "'1,5'"]),
         (["solve", LOYD_5, "--moves", "2", "--nodes", "x"], ["--nodes", "'x'"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory", "0"], ["--memory", "'0'", "1 to"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory", "-1"], ["--memory", "'-1'"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory", "1.5"], ["--memory", "'1.5'"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory", "1G"], ["--memory", "'1G'"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory", ""], ["--memory", "''"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory"], ["--memory"]),
+        (["solve", LOYD_5, "--moves", "2", "--memory", TOO_MUCH], ["--memory", TOO_MUCH]),
+        (["epd", "a.epd", "--memory", "0"], ["--memory", "'0'"]),
+        (["epd", "a.epd", "--memory", "-2"], ["--memory", "'-2'"]),
+        (["epd", "a.epd", "--memory", TOO_MUCH], ["--memory", TOO_MUCH]),
+        (["epd", "a.epd", "--time", "-1"], ["--time", "'-1'"]),
+        (["epd", "a.epd", "--nodes", "-1"], ["--nodes", "'-1'"]),
+        (["bench", "--memory", "0"], ["--memory", "'0'"]),
+        (["bench", "--memory", TOO_MUCH], ["--memory", TOO_MUCH]),
+        (["perft", LOYD_5, "2", "--memory", "1"], ["--memory", "perft --help"]),
         (["solve", LOYD_5, "--moves", "2", "--dance"], ["--dance", "solve --help"]),
         (["solve", "5K1k/4P3/q7/8/8/8/8/8 b - -", "--half-moves", "2", "--tries"], ["--tries"]),
         (["dance"], ["'dance'"]),

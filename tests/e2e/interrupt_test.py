@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
 """Ctrl-C, the polite request to end, and the terminal: progress, colours."""
 
+import fcntl
 import json
 import os
 import pty
+import re
 import signal
+import struct
 import subprocess
+import termios
 import unittest
 
 from program import ENDLESS, ENDLESS_MOVES, LOYD_3, LOYD_5, PATIENCE, PROGRAM, ProgramTest
@@ -16,8 +20,10 @@ ENDLESS_SOLVE = [PROGRAM, "solve", ENDLESS, "--moves", ENDLESS_MOVES]
 class Terminal:
     """Runs the program with standard error, or all of its streams, on a terminal of its own."""
 
-    def __init__(self, arguments, environment, output_too=False):
+    def __init__(self, arguments, environment, output_too=False, columns=0):
         self.master, slave = pty.openpty()
+        if columns:
+            fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
         self.process = subprocess.Popen(
             arguments,
             stdin=subprocess.DEVNULL,
@@ -117,6 +123,16 @@ class Progress(ProgramTest):
         self.assertIn("first move 1 of", terminal.text)
         self.assertIn("nodes", terminal.text)
         self.assertTrue(terminal.text.endswith("\r\x1b[K"), repr(terminal.text))
+
+    def test_line_never_goes_on_in_the_next_row(self):
+        columns = 40
+        terminal = Terminal(ENDLESS_SOLVE + ["--time", "1"], self.environment(), columns=columns)
+        terminal.close()
+        lines = [line for line in re.split(r"\r\x1b\[K", terminal.text) if line]
+        self.assertGreater(len(lines), 0)
+        for line in lines:
+            self.assertIn("first move", line)
+            self.assertLess(len(line), columns)
 
     def test_switched_off(self):
         for switch in ("--no-progress", "--quiet"):

@@ -17,6 +17,8 @@ PATIENCE = 300
 
 LOYD_3 = "8/6R1/7p/5K1k/8/6p1/5bPP/4N3 w - -"
 LOYD_5 = "8/8/8/8/8/Q7/4p3/5k1K w - -"
+# Long enough for the register of solved positions, and solved within a moment.
+REGISTER_6 = "8/4p2p/nn6/2p2N2/8/8/4NK2/7k w - -"
 # No search of today ends within the life of a test.
 ENDLESS = "8/Bk3p1p/1P3p2/KP2n2p/1P1p4/1Pp2p2/B1P5/7B w - -"
 ENDLESS_MOVES = "270"
@@ -44,7 +46,8 @@ class ProgramTest(unittest.TestCase):
             for name, value in os.environ.items()
             if name not in ("NO_COLOR", "LANG") and not name.startswith(("LC_", "QUILLMERE"))
         }
-        environment.update(QUILLMERE_HOME=os.path.join(self.folder, "home"), LC_ALL="C", **extra)
+        environment.update(QUILLMERE_HOME=os.path.join(self.folder, "home"), LC_ALL="C")
+        environment.update(extra)
         return environment
 
     def run_program(self, *arguments, stdin="", **extra):
@@ -65,9 +68,9 @@ class ProgramTest(unittest.TestCase):
             file.write(text)
         return path
 
-    def assert_refused(self, code, words, *arguments, stdin=""):
+    def assert_refused(self, code, words, *arguments, stdin="", **extra):
         """One line on standard error that holds the words, the exit code, nothing on output."""
-        result = self.run_program(*arguments, stdin=stdin)
+        result = self.run_program(*arguments, stdin=stdin, **extra)
         where = f"{arguments}: {result.err!r}"
         self.assertEqual(result.code, code, where)
         self.assertEqual(result.out, "", where)

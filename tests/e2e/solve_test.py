@@ -23,6 +23,7 @@ class Solve(ProgramTest):
         self.assertEqual(result.err, "")
         self.assertIn("Mate in 5, white to move\n", result.out)
         self.assertRegex(result.out, r"(?m)^Key +1\.Qa3-f8\+!$")
+        self.assertRegex(result.out, r"(?m)^Defence +1\.Qa3-f8\+ Kf1-e1$")
         self.assertRegex(result.out, r"(?m)^Line +1\.Qa3-f8\+ Kf1-e1 2\.")
         self.assertRegex(result.out, r"(?m)^Verdict +mate$")
         self.assertRegex(result.out, r"5\.\S+#\n")
@@ -37,7 +38,7 @@ class Solve(ProgramTest):
         self.assertEqual((result.code, result.err), (0, ""))
         (record,) = result.json()
         for field in (
-            "schema fen halfMoves moves verdict complete keys tries mainLine passes nodes madeMoves ms threads"
+            "schema fen halfMoves moves verdict complete keys tries mainLine passes nodes madeMoves ms registerElements memoryMB threads"
         ).split():
             self.assertIn(field, record)
         self.assertEqual(record["schema"], 1)
@@ -45,11 +46,20 @@ class Solve(ProgramTest):
         self.assertEqual((record["moves"], record["halfMoves"]), (5, 9))
         self.assertEqual((record["verdict"], record["complete"]), ("mate", True))
         self.assertEqual(
-            record["keys"], [{"move": "Qa3-f8", "uci": "a3f8", "text": "1.Qa3-f8+!"}]
+            record["keys"],
+            [
+                {
+                    "move": "Qa3-f8",
+                    "uci": "a3f8",
+                    "text": "1.Qa3-f8+!",
+                    "bestDefence": {"move": "Kf1-e1", "uci": "f1e1"},
+                }
+            ],
         )
         self.assertEqual(len(record["mainLine"]), 9)
         self.assertEqual(record["mainLine"][0], {"move": "Qa3-f8", "uci": "a3f8"})
-        self.assertGreater(len(record["tries"]), 0)
+        # In the order of generation, whatever order the search found best.
+        self.assertEqual(uci(record["tries"]), ["a3a6", "a3d3", "a3f3", "a3g3"])
         for attempt in record["tries"]:
             self.assertEqual(len(attempt["refutations"]), 1)
         self.assertIn(
@@ -62,8 +72,23 @@ class Solve(ProgramTest):
         two_keys = "k7/8/1K6/8/8/8/8/6RR w - -"
         (record,) = self.run_program("solve", two_keys, "--moves", "1", "--all", "--json").json()
         self.assertEqual(sorted(uci(record["keys"])), ["g1g8", "h1h8"])
+        self.assertEqual([key["bestDefence"] for key in record["keys"]], [None, None])
         (record,) = self.run_program("solve", two_keys, "--moves", "1", "--json").json()
         self.assertEqual(len(record["keys"]), 1)
+
+    def test_every_key_has_its_best_defence(self):
+        fen = "8/8/2Q5/8/3N4/1pn5/3p4/4k1K1 w - -"
+        arguments = ("solve", fen, "--moves", "3", "--all")
+        (record,) = self.run_program(*arguments, "--json").json()
+        keys = record["keys"]
+        self.assertGreater(len(keys), 1)
+        for key in keys:
+            self.assertRegex(key["bestDefence"]["uci"], r"^[a-h][1-8][a-h][1-8][qrbn]?$")
+        self.assertEqual(keys[0]["bestDefence"], record["mainLine"][1])
+        text = self.run_program(*arguments).out
+        rows = [key["text"].rstrip("!") + " " + key["bestDefence"]["move"] for key in keys]
+        for row in rows:
+            self.assertIn(" " + row, text)
 
     def test_fen_without_quotes(self):
         result = self.run_program("solve", *LOYD_5.split(), "--moves", "5", "--json")
@@ -83,6 +108,7 @@ class Sides(ProgramTest):
         self.assertEqual((result.code, record["verdict"]), (0, "mate"))
         self.assertEqual(uci(record["keys"]), ["a6f1"])
         self.assertEqual(record["keys"][0]["text"], "1...Qa6-f1+!")
+        self.assertEqual(record["keys"][0]["bestDefence"], {"move": "Kf8-e8", "uci": "f8e8"})
         self.assertEqual(record["fen"], "5K1k/4P3/q7/8/8/8/8/8 b - - 0 1")
         text = self.run_program("solve", self.BLACK, "--moves", "5").out
         self.assertIn("Mate in 5, black to move\n", text)
@@ -104,6 +130,8 @@ class Sides(ProgramTest):
         self.assertEqual(uci(record["defences"]), ["c2c1n"])
         self.assertEqual(record["keys"], [])
         text = self.run_program("solve", fen, "--half-moves", "2").out
+        self.assertRegex(text, r"Holds +1\.\.\.c2-c1N\+! \(first defence found\)\n")
+        text = self.run_program("solve", fen, "--half-moves", "2", "--all").out
         self.assertRegex(text, r"Holds +1\.\.\.c2-c1N\+!\n")
 
     def test_mate_defence_that_fails(self):

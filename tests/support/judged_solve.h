@@ -73,14 +73,12 @@ Judge(const reference::TPosition& position, int halfMoves, std::uint64_t moveLim
 }
 
 // The program's answer is the judge's: verdict, all keys or holding defences, and a main line that
-// is legal, ends in mate, and has full length where no shorter mate exists.
-inline ::testing::AssertionResult AgreesWith(const TJudgement& judgement,
+// is legal, ends in mate, and has full length where no shorter mate exists. `name` names the case.
+inline ::testing::AssertionResult IsAnswerOf(const TJudgement& judgement,
                                              const reference::TPosition& position,
                                              int halfMoves,
-                                             u16 repetitionBound = 65535) {
-    const TSolveResult result = SolveAll(position, halfMoves, repetitionBound);
-    const std::string name = reference::ToFen(position) + ", " + std::to_string(halfMoves) +
-                             " half-moves, repetition bound " + std::to_string(repetitionBound);
+                                             const TSolveResult& result,
+                                             const std::string& name) {
     const std::string expected = judgement.isMate ? "mate" : "no mate";
     if (NameOf(result.verdict) != expected || !result.isComplete) {
         return ::testing::AssertionFailure()
@@ -116,6 +114,18 @@ inline ::testing::AssertionResult AgreesWith(const TJudgement& judgement,
                << name << ": the main line is short: " << reference::ToText(line);
     }
     return ::testing::AssertionSuccess();
+}
+
+inline ::testing::AssertionResult AgreesWith(const TJudgement& judgement,
+                                             const reference::TPosition& position,
+                                             int halfMoves,
+                                             u16 repetitionBound = 65535) {
+    return IsAnswerOf(judgement,
+                      position,
+                      halfMoves,
+                      SolveAll(position, halfMoves, repetitionBound),
+                      reference::ToFen(position) + ", " + std::to_string(halfMoves) +
+                          " half-moves, repetition bound " + std::to_string(repetitionBound));
 }
 
 }  // namespace quillmere::bridge

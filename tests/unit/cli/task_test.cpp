@@ -1,4 +1,5 @@
 #include "cli/arguments.h"
+#include "cli/commands.h"
 #include "cli/play_board.h"
 #include "cli/task.h"
 #include "core/chess_exception.h"
@@ -88,6 +89,54 @@ TEST(RunTaskThread, TimeLimit_StopsTheSearch) {
     EXPECT_EQ(outcome.result.verdict, ESolveVerdict::kLimit);
     EXPECT_FALSE(outcome.isInterrupted);
     EXPECT_GE(told, 1);
+}
+
+// A mate in 6, solved within a moment.
+constexpr const char* kLongTask = "8/4p2p/nn6/2p2N2/8/8/4NK2/7k w - -";
+constexpr u64 kRoom = u64{16} << 20;
+
+TEST(RunTask, LongTask_TellsTheFiguresOfItsRegister) {
+    CTaskRegister solved(kRoom, {});
+    TTaskRequest request;
+    request.solved = &solved;
+    const TTaskOutcome withIt = RunTask(TaskOf(kLongTask, 11), request);
+    ASSERT_TRUE(withIt.registerFigures);
+    EXPECT_GT(withIt.registerFigures->elements, 0U);
+    EXPECT_EQ(withIt.registerFigures->byteLimit, kRoom);
+    request.solved = nullptr;
+    const TTaskOutcome without = RunTask(TaskOf(kLongTask, 11), request);
+    EXPECT_FALSE(without.registerFigures);
+    EXPECT_EQ(Uci(without.result.keys), Uci(withIt.result.keys));
+    EXPECT_GT(without.result.nodes, withIt.result.nodes);
+}
+
+TEST(RunTask, ClearRegister_DecidesWhetherEarlierPositionsHelp) {
+    CTaskRegister solved(kRoom, {});
+    TTaskRequest request;
+    request.solved = &solved;
+    const u64 first = RunTask(TaskOf(kLongTask, 11), request).result.nodes;
+    EXPECT_EQ(RunTask(TaskOf(kLongTask, 11), request).result.nodes, first);
+    request.clearRegister = false;
+    EXPECT_LT(RunTask(TaskOf(kLongTask, 11), request).result.nodes, first);
+}
+
+TEST(RunTask, IncoherentRegister_IsAFault) {
+    CTaskRegister solved(kRoom, {});
+    TTaskRequest request;
+    request.solved = &solved;
+    const TTask task = TaskOf(kLongTask, 11);
+    RunTask(task, request);
+    TAggregatedTemporaryChessboardRegister& store = *solved.ForHalfMoves(11);
+    store.Insert(11, task.board, true);
+    store.Insert(11, task.board, false);
+    ASSERT_GT(store.IncoherentElements(), 0U);
+    try {
+        RunTask(task, request);
+        FAIL() << "an answer from a register that contradicts itself";
+    } catch (const ChessException& fault) {
+        EXPECT_EQ(fault.Id(), EMessage::kRegisterIncoherent);
+        EXPECT_EQ(ExitCodeOfFault(fault), kExitFault);
+    }
 }
 
 TEST(WriteLine, BlackBegins_WithItsNumber) {

@@ -1,10 +1,15 @@
 #include "core/direct_mates.h"
 #include "core/legality.h"
+#include "registers/aggregated_register.h"
 #include "search/mate_search.h"
+#include "search/move_ordering.h"
+#include "search/register_access.h"
 #include "search/solve.h"
+#include "tests/support/registers.h"
 #include "tests/support/search_board.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -175,8 +180,9 @@ TEST(FindMate, HeuristicsInTheirPass_AnswerWithinThePass) {
 }
 
 TEST(FindMate, MoveLeftOutByAnAssumption_TaintsTheNode) {
-    // The white king may not go to any square: its moves are left out, not illegal.
-    CSearchBoard board("7k/8/8/8/8/8/R7/K7", 3);
+    // The white king may not go to any square: its moves are left out, not illegal. With three
+    // half-moves left they would be known to be refuted before that is asked.
+    CSearchBoard board("7k/8/8/8/8/8/R7/K7", 5);
     board.Root().Heur = kHeurSingleQueenMate;
     board.Root().m_pass = kPassHeuristics;
     board.Thread().forbiddenKingSquares = ~u64{0};
@@ -347,6 +353,34 @@ TEST(FindMate, Replay_SearchesOnlyTheGivenMoves) {
     EXPECT_EQ(board.Thread().replay.flag, 0);
     board.Thread().replay = TReplay{2, 2, mating};
     EXPECT_EQ(FindMate(board.Root(), true), kMate);
+}
+
+// What an earlier search left behind must not drop black's promotions: a mate that the register
+// tells says nothing about the square of the promotion.
+TEST(CheckDefences, MateFromTheRegister_DropsNoPromotion) {
+    // Only the bishop holds; the queen, tried first, is mated later.
+    for (const char* fen :
+         {"8/8/2Q5/8/8/2N5/3Kp3/k4R2", "8/8/8/8/8/B1K5/B3p3/k6Q", "8/8/8/8/Q7/4KR2/6p1/3Q3k"}) {
+        TAggregatedTemporaryChessboardRegister store(test::QuietSettings(test::kMegabyte));
+        store.Resize(kBucketsSmall, false);
+        CSearchBoard board(fen, 4);
+        board.Context().tempRegister = &store;
+        board.Context().registerRoot = 1;
+        auto memory = std::make_unique<TMoveMemory>();
+        board.Thread().moveMemory = memory.get();
+        TMoveList list;
+        list.count = GetLegalMoves(board.Root(), list.moves);
+        for (const TMove move : list) {
+            TChessboard child = board.Root();
+            child.m_parent = &board.Root();
+            if (move.Promotion() == kQueen && MakeBlackMove(child, move, false) == kMoveMade) {
+                EXPECT_EQ(FindMate(child, true), kMate);
+                RememberMove(board.Root(), move);
+            }
+        }
+        board.Thread().isPromotionSquareFree = true;
+        EXPECT_EQ(CheckDefences(board.Root()), kNoMate) << fen;
+    }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "core/chess_exception.h"
 #include "core/legality.h"
-#include "search/main_line.h"
+#include "core/notation.h"
+#include "search/best_defence.h"
 #include "search/solve.h"
 #include "tests/support/search_board.h"
 
@@ -154,12 +155,12 @@ TEST(Solve, MateDefence_BlackMatedOrStalemated) {
 TEST(Solve, NodeLimit_IsTheSameInEveryRun) {
     const std::string fen = "n7/3p1p2/NpkNp1p1/1p2P3/3Q4/6B1/b7/4K3";
     TSolveRequest request{.halfMoves = 7};
-    request.nodeLimit = 20'000;
+    request.nodeLimit = 8'000;
     const TSolveResult a = SolveFen(fen, request);
     const TSolveResult b = SolveFen(fen, request);
     EXPECT_EQ(a.verdict, ESolveVerdict::kLimit);
-    EXPECT_GE(a.nodes, 20'000u);
-    EXPECT_LT(a.nodes, 21'000u);
+    EXPECT_GE(a.nodes, 8'000u);
+    EXPECT_LT(a.nodes, 9'000u);
     EXPECT_EQ(a.nodes, b.nodes);
     EXPECT_EQ(a.madeMoves, b.madeMoves);
 }
@@ -222,6 +223,36 @@ TEST(Solve, MainLine_StartsWithTheFirstKeyAndMates) {
     EXPECT_TRUE(MovesEqual(result.mainLine.front(), result.keys.front()));
     const TSolveResult exact = SolveFen(fen, {.halfMoves = 3});
     EXPECT_EQ(exact.mainLine.size(), 3u);
+}
+
+TEST(Solve, EveryKey_HasItsBestDefence) {
+    const std::string fen = "8/8/2Q5/8/3N4/1pn5/3p4/4k1K1";
+    const TSolveResult result = SolveFen(fen, {.halfMoves = 5, .wantAllKeys = true});
+    ASSERT_GT(result.keys.size(), 1u);
+    ASSERT_EQ(result.bestDefences.size(), result.keys.size());
+    EXPECT_TRUE(MovesEqual(result.bestDefences[0], result.mainLine[1]));
+    for (std::size_t i = 0; i < result.keys.size(); ++i) {
+        test::CSearchBoard board(fen, 5);
+        ASSERT_EQ(board.Play(MoveToUci(result.keys[i])), kMoveMade);
+        TMove best{};
+        ASSERT_TRUE(GetBestDefence(board.Node(), &best));
+        EXPECT_TRUE(MovesEqual(result.bestDefences[i], best)) << MoveToUci(result.keys[i]);
+    }
+}
+
+TEST(Solve, KeyThatMatesAtOnce_HasNoBestDefence) {
+    const TSolveResult result =
+        SolveFen("k7/8/1K6/8/8/8/8/6RR", {.halfMoves = 1, .wantAllKeys = true});
+    ASSERT_EQ(result.bestDefences.size(), 2u);
+    EXPECT_TRUE(result.bestDefences[0].IsNull());
+    EXPECT_TRUE(result.bestDefences[1].IsNull());
+}
+
+TEST(Solve, WithoutMainLine_NoBestDefenceIsLookedFor) {
+    const TSolveResult result =
+        SolveFen("8/8/2Q5/8/3N4/1pn5/3p4/4k1K1", {.halfMoves = 5, .wantMainLine = false});
+    ASSERT_FALSE(result.keys.empty());
+    EXPECT_TRUE(result.bestDefences.empty());
 }
 
 TEST(SolveStackBytes, HasItsFloor) {
