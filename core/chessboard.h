@@ -12,6 +12,7 @@
 // of an analysis, the thread context belongs to one thread.
 #pragma once
 
+#include "core/heuristics.h"
 #include "core/move.h"
 #include "core/types.h"
 
@@ -119,13 +120,6 @@ enum EOneColour : u8 {
     kOneColourSeparated = 3,  // black's bishop is shut in; set by the root
 };
 
-// Bits of the heuristics word that the make-moves and nodes themselves must know. The catalogue owns
-// all others.
-constexpr u32 kHeurNoUnblock = 0x80;
-constexpr u32 kHeurSaveQueenRook = 0x4000;
-constexpr u32 kHeurBlockBlackPawns = 0x20000;
-constexpr u32 kHeurSingleQueenMate = 0x100000;
-
 // Search passes (m_pass)
 constexpr u8 kPassScan = 0;
 constexpr u8 kPassHeuristics = 1;
@@ -144,7 +138,7 @@ constexpr i8 kDoubleCheck = 64;
 //  100  m_nMoves           HALF-moves still to play, in spite of its name: odd with white to move,
 //                          even with black to move, 0 after the last white move
 //  102  m_nRootMoves       m_nMoves at the root of this analysis; the difference is the ply
-//  104  Heur               active heuristics, one bit each; 0 is a complete search
+//  104  Heur               active heuristics (EHeuristic), one bit each; 0 is a complete search
 //  108  HeurParams         digest of the parameters of the active heuristics
 //  112  m_positionFlags    EPositionFlag
 //  114  m_searchFlags      ESearchFlag

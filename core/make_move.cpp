@@ -224,7 +224,7 @@ int MakeWhite(TChessboard& node, TMove move) {
                 MoveInFigureLists(node, kWhiteRook, rookFrom, rookTo);
         }
         if constexpr (kSearch) {
-            if ((node.Heur & kHeurSingleQueenMate) != 0 &&
+            if ((node.Heur & SH_SINGLEQUEENMATE) != 0 &&
                 (thread.forbiddenKingSquares >> to & 1) != 0)
                 isLeftOut = true;
         }
@@ -348,7 +348,7 @@ int MakeBlack(TChessboard& node, TMove move, bool skipKingTest) {
     // Step 2. Pawn moves that an assumption leaves out, if they are legal.
     bool isLeftOut = false;
     if constexpr (kSearch) {
-        isLeftOut = figure == kBlackPawn && (node.Heur & kHeurBlockBlackPawns) != 0 &&
+        isLeftOut = figure == kBlackPawn && (node.Heur & SH_USEBLOCKBLACKPAWNSLEVEL) != 0 &&
                     node.m_nMoves == thread.blockLevel;
     }
 
@@ -405,7 +405,7 @@ int MakeBlack(TChessboard& node, TMove move, bool skipKingTest) {
 
     // Steps 6 and 7. Marks of the rules and of the tables.
     if constexpr (kSearch) {
-        if ((move.flags & kMoveMarkEvent) != 0 && (node.Heur & kHeurSaveQueenRook) != 0)
+        if ((move.flags & kMoveMarkEvent) != 0 && (node.Heur & SH_SAVEQUEENROOK) != 0)
             MarkSaveEvent(node, thread);
         if (captured != 0 && (node.m_positionFlags & kPositionSmallMaterial) == 0 &&
             IsSmallMaterial(node))

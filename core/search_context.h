@@ -9,6 +9,7 @@
 #include "core/chessboard.h"
 
 #include <atomic>
+#include <vector>
 
 namespace quillmere {
 
@@ -70,6 +71,17 @@ struct TSearchContext {
 
     // A search in pass 1 is taken as complete: safe mode, or quick mode off.
     bool isExact = false;
+
+    // Parameters of heuristics that all threads share (core/heuristics.h has the others)
+    u8 KeyDiagonalSquares[2] = {kNoSquare, kNoSquare};  // the bits 0xc0 mean none
+    u8 KeyLineFile = kNoSquare;                         // 0..7, kNoSquare for none
+    // The sea snake begins after these moves only; white's and black's in turn.
+    std::vector<TMove> SeaSnakeOnlyAfter;
+    // The position to come back to under SH_ZUGZWANG.
+    bool HasZugzwangPosition = false;
+    u8 ZugzwangBoard[kSquareCount] = {};
+    // Half-moves of the search for quicker mates; -1 for the default.
+    i16 m_shLookForQuickerMateDepth = -1;
     // Highest level (half-moves) whose repetition counts; 0 switches the test off.
     u16 repetitionBound = 65535;
 

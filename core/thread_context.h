@@ -111,9 +111,10 @@ struct TThreadContext {
     // immediate mate that does not capture on the promotion square.
     bool isPromotionSquareFree = false;
 
-    // Assumptions that the make-moves read (the heuristics set them)
-    u64 forbiddenKingSquares = 0;  // bit per square, with kHeurSingleQueenMate
-    u16 blockLevel = 0;            // half-moves; with kHeurBlockBlackPawns
+    // Assumptions, and what the make-moves read of them
+    THeuristicSettings heuristics;
+    u64 forbiddenKingSquares = 0;  // bit per square, with SH_SINGLEQUEENMATE
+    u16 blockLevel = 0;            // half-moves; with SH_USEBLOCKBLACKPAWNSLEVEL
     bool isSaveEventSecond = false;
     u64 separatedSquares = 0;      // one-colour play, separated bishop: squares not to enter
     u64 separatedPassSquares = 0;  // the same: squares that a slider may not pass

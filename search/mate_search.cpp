@@ -7,6 +7,7 @@
 #include "core/move_generation.h"
 #include "core/platform/tick_count.h"
 #include "core/rights.h"
+#include "heuristics/rules.h"
 #include "search/move_ordering.h"
 #include "search/moves_log.h"
 #include "search/node_hooks.h"
@@ -202,7 +203,7 @@ bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& ret
         replay.flag = 0;
         return true;
     }
-    if (hooks::ReplaceWhiteMoves(node, list)) {
+    if (ReplaceWhiteMoves(node, list)) {
         taint.LeftOut();
         return true;
     }
@@ -210,7 +211,7 @@ bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& ret
         return true;
     list.count = node.m_whiteInCheck >= 0 ? GetWhiteEvasions(node, list.moves)
                                           : GetAllWhiteMoves(node, list.moves);
-    if ((node.Heur & kHeurBlockBlackPawns) != 0)
+    if ((node.Heur & SH_USEBLOCKBLACKPAWNSLEVEL) != 0)
         return true;
     return SortListedMoves(node, list, retry);
 }
@@ -331,7 +332,7 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
             continue;
 
         // Step 10.2. King moves that an assumption leaves out.
-        if (hooks::IsKingMoveLeftOut(node, move)) {
+        if (IsKingMoveLeftOut(node, move)) {
             taint.LeftOut();
             NoteDoubtIf<kLogged>(thread, node.Heur);
             continue;
@@ -347,6 +348,7 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
         }
         if (made != kMoveMade)
             continue;
+        UpdateAfterWhiteMove(child);
         LogMoveIf<kLogged>(child, move);
 
         // Step 10.4. A move into a repetition proves nothing.
@@ -358,7 +360,7 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
         }
 
         // Step 10.5. Moves that the heuristics leave out.
-        if (hooks::IsMoveLeftOut(child)) {
+        if (IsMoveLeftOut(child)) {
             taint.LeftOut();
             NoteDoubtIf<kLogged>(thread, child.Heur);
             LogResultIf<kLogged>(child, kDoubtful);
@@ -426,7 +428,7 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
     }
 
     // Step 14. A list that the sort had cut for a heuristic is run again in full.
-    if (retry && hooks::TakeFullList(node))
+    if (retry && TakeFullList(node))
         return FindMateTwin<kLogged>(node, false);
     return isDoubtful ? kDoubtful : kNoMate;
 }
@@ -558,7 +560,7 @@ template <bool kLogged>
 bool IsMateAssumed(TChessboard& child) {
     const u32 heur = child.Heur;
     const u32 heurParams = child.HeurParams;
-    child.Heur |= kHeurNoUnblock;
+    child.Heur |= SH_DONTLETFIGUREUNBLOCK;
     if (child.m_threadContext->computeHeurParams != nullptr)
         child.m_threadContext->computeHeurParams(child);
     const TVerdict verdict = FindMateTwin<kLogged>(child, true);
@@ -608,7 +610,7 @@ TVerdict CheckDefencesTwin(TChessboard& node) {
 
     // Step 4. A single queen that hunts the king.
     if (level == node.m_nRootMoves - 1 && node.m_blackInCheck < 0)
-        hooks::NoteSingleQueen(node);
+        NoteSingleQueen(node);
 
     // Step 5, the pass of one-colour play, stands at the end of CBlackMoves.
 
@@ -662,8 +664,8 @@ TVerdict CheckDefencesTwin(TChessboard& node) {
             }
 
             // Step 7.4. Bookkeeping of the heuristics; lines that they give up.
-            hooks::UpdateHeuristics(child);
-            if (hooks::IsReplyLeftOut(child)) {
+            UpdateAfterBlackMove(child);
+            if (IsReplyLeftOut(child)) {
                 NoteDoubtIf<kLogged>(thread, child.Heur);
                 LogResultIf<kLogged>(child, kDoubtful);
                 return kDoubtful;

@@ -161,7 +161,7 @@ bool IsKnownRefuted(TChessboard& node, int count, const TMove* list) {
 // edge.
 bool IsLoneKnightHunt(const TChessboard& node) {
     const u8* c = node.m_counts;
-    return (node.Heur & kHeurKeepKingOnEdge) != 0 && c[kWhiteKnights] == 1 &&
+    return (node.Heur & SH_KEEPKINGONTHEEDGE) != 0 && c[kWhiteKnights] == 1 &&
            (c[kWhiteQueens] | c[kWhiteRooks] | c[kWhiteBishops]) == 0;
 }
 

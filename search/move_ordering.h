@@ -20,9 +20,6 @@ constexpr int kKeyStalemate = 126;  // black has no move and is not in check
 constexpr int kKeyLoses = 125;      // a quiet move without a threat that loses the moved figure
 constexpr int kKeyGreatest = 124;   // of the other moves
 
-// The bit of the heuristics word that keeps the black king on the edge; the sorts need it.
-constexpr u32 kHeurKeepKingOnEdge = 0x4;
-
 // Results of SortBlackMoves besides the new count
 constexpr int kSortDoubtful = -1;
 constexpr int kSortRefuted = -2;     // a defence is known to hold

@@ -4,8 +4,8 @@
 #include "core/geometry.h"
 #include "core/notation.h"
 #include "core/thread_context.h"
+#include "heuristics/catalogue.h"
 #include "search/move_number.h"
-#include "search/node_hooks.h"
 
 #include <cstdio>
 #include <mutex>
@@ -62,7 +62,7 @@ std::string PassText(const TChessboard& node, char variant) {
                   variant,
                   static_cast<int>(node.Heur),
                   static_cast<int>(node.HeurParams),
-                  hooks::HeuristicsText(node.Heur).c_str());
+                  HeuristicsText(node).c_str());
 }
 
 // The sign that stands behind the number of a move.
@@ -93,8 +93,7 @@ std::string DoubtLine(const std::string& word, const TDoubtCause& cause) {
         return Format(kLogFromRegister, word.c_str(), static_cast<int>(cause.code));
     if (cause.code >= kDoubtImpossible)
         return Format(kLogImpossible, word.c_str(), static_cast<int>(cause.code));
-    const std::string description =
-        cause.code == 0 ? std::string() : hooks::HeuristicsText(cause.code);
+    const std::string description = cause.code == 0 ? std::string() : HeuristicNames(cause.code);
     return description.empty() ? Format(kLogResult, word.c_str())
                                : Format(kLogByHeuristic, word.c_str(), description.c_str());
 }

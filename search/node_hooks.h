@@ -10,8 +10,6 @@
 #include "core/rights.h"
 #include "core/verdict.h"
 
-#include <string>
-
 namespace quillmere::hooks {
 
 // Precalculated endings
@@ -44,18 +42,8 @@ inline bool IsMateUnavoidable(TChessboard& /*child*/) {
 
 // Lists and their order
 
-// A list in place of white's moves, made by a heuristic; it taints the node. False: none.
-inline bool ReplaceWhiteMoves(TChessboard& /*node*/, TMoveList& /*list*/) {
-    return false;
-}
 // The complete list of the moves that must be looked at in a forcing situation. False: none.
 inline bool GetForcingMoves(TChessboard& /*node*/, TMoveList& /*list*/) {
-    return false;
-}
-
-// After a cut list failed: switches off, for this node, the heuristic that had it cut. False if it
-// is off already.
-inline bool TakeFullList(TChessboard& /*node*/) {
     return false;
 }
 
@@ -65,27 +53,9 @@ inline TVerdict SplitNode(TChessboard& /*node*/, TMoveList& /*list*/) {
     return kNoSplit;
 }
 
-// Assumptions of heuristics
+// Assumptions besides those of heuristics/rules.h
 
-// White's move is not searched: before it is made, and after.
-inline bool IsKingMoveLeftOut(const TChessboard& /*node*/, TMove /*move*/) {
-    return false;
-}
-inline bool IsMoveLeftOut(TChessboard& /*child*/) {
-    return false;
-}
-// After a black reply: the line is given up as doubtful.
-inline bool IsReplyLeftOut(TChessboard& /*child*/) {
-    return false;
-}
-// Notes a single queen that hunts the king, before black's first reply.
-inline void NoteSingleQueen(TChessboard& /*node*/) {}
-// Takes the bookkeeping of the heuristics over to the child, one-colour play included.
-inline void UpdateHeuristics(TChessboard& /*child*/) {}
-// The heuristics of the word in words, for the moves log; empty if they have none.
-inline std::string HeuristicsText(u32 /*heur*/) {
-    return {};
-}
+// The child is searched first as if a blocked figure of black could not be unblocked.
 inline bool ShouldTryUnblockFirst(const TChessboard& /*child*/) {
     return false;
 }

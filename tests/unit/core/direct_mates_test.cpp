@@ -148,7 +148,7 @@ TEST(FindMateInOne, WithoutAMate_LeavesTheMoveAlone) {
 TEST(IsMateInOne, StateOfTheSearch_DoesNotMatter) {
     CGameLine line("k7/8/1K6/8/8/8/8/7R", 41);
     TChessboard& node = line.Node();
-    node.Heur = kHeurSingleQueenMate;
+    node.Heur = SH_SINGLEQUEENMATE;
     node.m_captureState |= kOneColourParity1;
     line.Thread().forbiddenKingSquares = ~u64{0};
     line.Thread().levels[40].horizon = 50;
@@ -194,7 +194,7 @@ TEST(IsMateInTwo, StateOfTheSearch_DoesNotMatter) {
         CGameLine line(kFen, halfMoves);
         TChessboard& node = line.Node();
         EXPECT_TRUE(IsMateInTwo(node));
-        node.Heur = kHeurSingleQueenMate | kHeurBlockBlackPawns;
+        node.Heur = SH_SINGLEQUEENMATE | SH_USEBLOCKBLACKPAWNSLEVEL;
         line.Thread().forbiddenKingSquares = ~u64{0};
         line.Thread().blockLevel = 2;
         EXPECT_TRUE(IsMateInTwo(node)) << halfMoves;
@@ -209,7 +209,7 @@ TEST(IsMateInTwo, StateOfTheSearch_DoesNotMatter) {
     CGameLine pawn("k7/7p/2K5/8/8/8/8/6R1", 3);
     reference::CBruteForce judge;
     const bool isMate = judge.MateIn(reference::FromFen("k7/7p/2K5/8/8/8/8/6R1"), 2);
-    pawn.Node().Heur = kHeurBlockBlackPawns;
+    pawn.Node().Heur = SH_USEBLOCKBLACKPAWNSLEVEL;
     pawn.Thread().blockLevel = 2;
     EXPECT_TRUE(isMate);
     EXPECT_EQ(IsMateInTwo(pawn.Node()), isMate);

@@ -963,13 +963,13 @@ TEST(MakeWhiteMove, ForbiddenKingSquares_ActWithTheirHeuristic) {
     free.Thread().forbiddenKingSquares = u64{1} << SquareOf("a2");
     EXPECT_EQ(free.PlayInSearch("a1a2"), kMoveMade);
     CGameLine bound("7k/8/1r6/8/8/8/8/K1Q5", 5);
-    bound.Node().Heur = kHeurSingleQueenMate;
+    bound.Node().Heur = SH_SINGLEQUEENMATE;
     bound.Thread().forbiddenKingSquares = u64{1} << SquareOf("a2") | u64{1} << SquareOf("b2");
     EXPECT_EQ(bound.PlayInSearch("a1a2"), kMoveLeftOut);
     EXPECT_EQ(bound.PlayInSearch("a1b2"), kMoveIllegal);  // attacked besides
     EXPECT_EQ(bound.PlayInSearch("c1c2"), kMoveMade);     // not the king
     CGameLine people("7k/8/1r6/8/8/8/8/K1Q5", 5);
-    people.Node().Heur = kHeurSingleQueenMate;
+    people.Node().Heur = SH_SINGLEQUEENMATE;
     people.Thread().forbiddenKingSquares = u64{1} << SquareOf("a2");
     EXPECT_NO_THROW(people.Play("a1a2"));
 }
@@ -980,22 +980,22 @@ TEST(MakeBlackMove, BlockLevel_LeavesOutPawnMoves) {
         line.Thread().blockLevel = level;
     };
     CGameLine line("r6k/p6p/8/8/8/8/8/K3R2R", 6);
-    prepare(line, kHeurBlockBlackPawns, 6);
+    prepare(line, SH_USEBLOCKBLACKPAWNSLEVEL, 6);
     EXPECT_EQ(line.PlayInSearch("a7a6"), kMoveLeftOut);
     EXPECT_EQ(line.PlayInSearch("h7h6"), kMoveLeftOut);
     EXPECT_EQ(line.PlayInSearch("a8b8"), kMoveMade);
     CGameLine otherLevel("r6k/p6p/8/8/8/8/8/K3R2R", 6);
-    prepare(otherLevel, kHeurBlockBlackPawns, 4);
+    prepare(otherLevel, SH_USEBLOCKBLACKPAWNSLEVEL, 4);
     EXPECT_EQ(otherLevel.PlayInSearch("a7a6"), kMoveMade);
     CGameLine otherHeur("r6k/p6p/8/8/8/8/8/K3R2R", 6);
     prepare(otherHeur, 0x10000, 6);
     EXPECT_EQ(otherHeur.PlayInSearch("a7a6"), kMoveMade);
     // A pinned pawn's move is illegal, not left out.
     CGameLine pinned("7k/6p1/8/8/8/8/1B6/K7", 6);
-    prepare(pinned, kHeurBlockBlackPawns, 6);
+    prepare(pinned, SH_USEBLOCKBLACKPAWNSLEVEL, 6);
     EXPECT_EQ(pinned.PlayInSearch("g7g6"), kMoveIllegal);
     CGameLine people("r6k/p6p/8/8/8/8/8/K3R2R", 6);
-    prepare(people, kHeurBlockBlackPawns, 6);
+    prepare(people, SH_USEBLOCKBLACKPAWNSLEVEL, 6);
     EXPECT_NO_THROW(people.Play("a7a6"));
 }
 
@@ -1008,9 +1008,9 @@ TEST(MakeBlackMove, EventMark_SetsTheBitOfTheThread) {
         bool isSecond;
         u16 flags;
     } rows[] = {
-        {true, kHeurSaveQueenRook, false, kSearchSaveEvent},
-        {true, kHeurSaveQueenRook, true, kSearchSaveEventSecond},
-        {false, kHeurSaveQueenRook, false, 0},
+        {true, SH_SAVEQUEENROOK, false, kSearchSaveEvent},
+        {true, SH_SAVEQUEENROOK, true, kSearchSaveEventSecond},
+        {false, SH_SAVEQUEENROOK, false, 0},
         {true, 0, false, 0},
         {true, 0x2000, true, 0},
     };
@@ -1037,7 +1037,7 @@ TEST(MakeBlackMove, EventMark_SetsTheBitOfTheThread) {
     }
     // Without a catalogue there is nobody to compute.
     CGameLine line("7k/8/8/8/8/8/8/KQ6", 6);
-    line.Node().Heur = kHeurSaveQueenRook;
+    line.Node().Heur = SH_SAVEQUEENROOK;
     TMove move = MoveOf("h8g8");
     move.flags |= kMoveMarkEvent;
     EXPECT_EQ(line.PlayInSearch(move), kMoveMade);

@@ -183,7 +183,7 @@ TEST(FindMate, MoveLeftOutByAnAssumption_TaintsTheNode) {
     // The white king may not go to any square: its moves are left out, not illegal. With three
     // half-moves left they would be known to be refuted before that is asked.
     CSearchBoard board("7k/8/8/8/8/8/R7/K7", 5);
-    board.Root().Heur = kHeurSingleQueenMate;
+    board.Root().Heur = SH_SINGLEQUEENMATE;
     board.Root().m_pass = kPassHeuristics;
     board.Thread().forbiddenKingSquares = ~u64{0};
     EXPECT_EQ(FindMate(board.Root(), true), kDoubtful);
@@ -193,7 +193,7 @@ TEST(CheckDefences, PawnMoveForbiddenByAnAssumption_IsDoubtful) {
     CSearchBoard board("k7/2K4p/1Q6/8/8/8/8/8", 2);
     // Without its pawn black is stalemated: a forbidden pawn move must not count as illegal.
     ASSERT_EQ(CheckDefences(board.Root()), kMate);
-    board.Root().Heur = kHeurBlockBlackPawns;
+    board.Root().Heur = SH_USEBLOCKBLACKPAWNSLEVEL;
     board.Root().m_pass = kPassHeuristics;
     board.Thread().blockLevel = 2;
     EXPECT_EQ(CheckDefences(board.Root()), kDoubtful);
@@ -225,7 +225,7 @@ TEST(FindMate, RepetitionBesideALeftOutMove_HandsItsDoubtUp) {
         ASSERT_EQ(board.Play("b8a8"), kMoveMade);
         TChessboard& node = board.Node();
         if (isAssumed) {
-            node.Heur = kHeurSingleQueenMate;
+            node.Heur = SH_SINGLEQUEENMATE;
             node.m_pass = kPassHeuristics;
             board.Thread().forbiddenKingSquares = u64{1} << String2Square("g2");
         }
@@ -239,7 +239,7 @@ TEST(FindMate, RepetitionBesideALeftOutMove_HandsItsDoubtUp) {
 // there is no mate, though white's king was kept from squares.
 TEST(FindMate, ResolvedRepetitionWithADoubtBelow_IsDoubtful) {
     CSearchBoard board("8/6P1/8/4Kp2/5P2/6p1/8/4k3", 7);
-    board.Root().Heur = kHeurSingleQueenMate;
+    board.Root().Heur = SH_SINGLEQUEENMATE;
     board.Root().m_pass = kPassHeuristics;
     board.Thread().forbiddenKingSquares = 0x20000004000000;
     EXPECT_EQ(FindMate(board.Root(), true), kDoubtful);

@@ -213,7 +213,7 @@ TEST(SortWhiteMoves, AQuietMoveThatLosesItsFigure_ComesBehindTheOthers) {
 TEST(WhiteSorts, AMoveThatAnAssumptionLeavesOut_Stays) {
     // The node must hear of it: it is no proof that it does not mate.
     CSearchBoard board("4k3/8/8/8/8/8/8/R3K2Q", 15);
-    board.Root().Heur = kHeurSingleQueenMate;
+    board.Root().Heur = SH_SINGLEQUEENMATE;
     board.Thread().forbiddenKingSquares = u64{1} << test::SquareOf("e2");
     EXPECT_EQ(TextsOf(SortLean(board, {"e1e2", "e1d2"})), (std::set<std::string>{"e1e2", "e1d2"}));
     const TFullSort sort = SortFull(board, {"e1e2", "e1d2"});
@@ -318,7 +318,7 @@ TEST(SortBlackMoves, CastlingIntoCheck_IsDropped) {
 // checks and holds. Whatever the order of generation, what loses at once stands first.
 TEST(SortBlackMoves, LoneKnightHunt_PutsDefencesThatLoseAtOnceFirst) {
     CSearchBoard board("8/7p/8/8/3N4/8/p5p1/k1K5", 4);
-    board.Root().Heur = kHeurKeepKingOnEdge;
+    board.Root().Heur = SH_KEEPKINGONTHEEDGE;
     TMoveList list;
     list.count = GetAllBlackMoves(board.Root(), list.moves);
     list.count = SortBlackMoves(board.Root(), list.count, list.moves);

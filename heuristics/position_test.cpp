@@ -1,0 +1,9 @@
+#include "heuristics/rules.h"
+
+namespace quillmere {
+
+bool rules::IsReplyLeftOut(TChessboard& /*child*/) {
+    return false;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,9 @@
+#include "heuristics/rules.h"
+
+namespace quillmere {
+
+bool rules::IsKingMoveLeftOut(const TChessboard& /*node*/, TMove /*move*/) {
+    return false;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,7 @@
+#include "heuristics/rules.h"
+
+namespace quillmere {
+
+void NoteSingleQueen(TChessboard& /*node*/) {}
+
+}  // namespace quillmere
