@@ -149,6 +149,9 @@ struct THeuristicSettings {
     bool FfmPreliminary = false;
     u32 FfmSavedHeur = 0;
 
+    // How far the hunt of a single queen has come, 0..3
+    u8 QueenMateStage = 0;
+
     bool operator==(const THeuristicSettings&) const = default;
 };
 
