@@ -85,7 +85,10 @@ TEST_F(MovesLog, PassOne_IsToldWithVariantAndHeuristics) {
     board.Node().HeurParams = 0xffffffff;
     m_log.StartPass('c');
     LogMove(board.Node(), MakeMove(1, 49), false);
-    EXPECT_EQ(Text(), " 1.Rb1-b7 " + IdOf(board.Node()) + " Pass 1c Heur=128 HeurParams=-1 \n");
+    EXPECT_EQ(Text(),
+              " 1.Rb1-b7 " + IdOf(board.Node()) +
+                  " Pass 1c Heur=128 HeurParams=-1 "
+                  "SH_DONTLETFIGUREUNBLOCK,  QuickMode\n");
 }
 
 TEST_F(MovesLog, LaterMoves_HaveNumberSideAndOneBlankAPly) {

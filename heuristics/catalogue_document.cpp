@@ -1,0 +1,113 @@
+#include "heuristics/catalogue_document.h"
+
+#include "heuristics/catalogue.h"
+
+#include <cstdio>
+
+namespace quillmere {
+namespace {
+
+constexpr const char* kHead =
+    R"(<!-- Made by quillmere_generate_docs from heuristics/catalogue.def. Do not edit. -->
+# Heuristics
+
+A heuristic is an assumption about what the solution of a composition looks like. While it is on, a
+line that breaks the assumption is not searched further. So a pass with heuristics may find a mate
+quickly, and a mate that it finds is a mate; but "no mate" is proved by a pass without them only.
+
+In texts a choice of heuristics is a list of names, parted by commas, with parameters in brackets:
+
+    SH_KEEPKINGONTHEEDGE(STRICT,C2f,A,D3,M5), SH_FINDFORCEDMATE(#2-Preliminary)
+
+- Names and parameters may be written in capital or small letters, with blanks between them.
+- `SH_DONTLETKINGMOVE` is `SH_KEEPKINGONTHEEDGE(STRICT)`, and `SH_DONTLETKINGMOVE(excptns)` is
+  `SH_KEEPKINGONTHEEDGE(ALMOST_STRICT)`. Their label is "Don't let bl.king move (unless immed.mate)",
+  with "allow exc" for the latter;
+that of `SH_KEEPKINGWITHINEXTEDGE(strict)` is "Don't let bl.king"
+                                              "move unless on the edge".- `QuickMode` behind the
+    list says that the pass takes positions after a repetition as settled;
+`(CannotApplyDLFUDynamically)` that the program must
+        not apply `SH_DONTLETFIGUREUNBLOCK` on its own.-
+        Both edge rules share `incl.corner` and
+    their relaxations : `C2` from 2 black men captured more than white men,
+    pawns included;
+`C2f` the same without pawns;
+`A` on an advanced white pawn;
+`D3,M5` the
+  test is put off by 3 moves, and falls due below 5 half-moves. Relaxations that only
+  `SH_KEEPKINGWITHINEXTEDGE` names are for it alone.
+
+| Name | Bit | Label | Parameters | Assumption |
+|---|---|---|---|---|
+)";
+
+const char* ParametersOf(EHeuristicParameters parameters) {
+    using enum EHeuristicParameters;
+    switch (parameters) {
+    case kNoParameters:
+        break;
+    case kEdge:
+        return "`STRICT` or `ALMOST_STRICT`; `incl.corner`; relaxations";
+    case kExtEdge:
+        return "relaxations; `incl.corner`; `strict`";
+    case kOneColor:
+        return "`WhiteSquaresOnly`, `BlackSquaresOnly` or `SeparatedBlackBishop`";
+    case kFigureOnDiagonal:
+        return "square of a black figure on the diagonal, `A1`";
+    case kBlockedFigures:
+        return "`EFF`; one to eight squares, `A7,B6`";
+    case kForcedMate:
+        return "`CheckOnly`, `#1`, `#1+`, `#2`, `#2+`, `#3`, `#4` or `#5`; `-Preliminary`; "
+               "`-Custom`";
+    case kLessExceptions:
+    case kSurrounded:
+        return "`strict`";
+    case kFile:
+        return "file, `A` to `H`";
+    case kDiagonal:
+        return "two squares, `A1-H8`";
+    case kLoseFigures:
+        return "`incl.pawns` or `incl.pawnsBeforePromo`";
+    case kKeySquare:
+        return "square, `A1`";
+    case kKeyWhiteFigure:
+        return "square of the white figure, `A1`";
+    case kNearCorner:
+        return "`1S` to `5S` squares, or `1M` or `2M` moves away";
+    case kSeaSnake:
+        return "squares of the approach and of the turn back, `C3,D4`; number of moves played "
+               "before";
+    }
+    return "none";
+}
+
+std::string Text(EMessage id) {
+    return std::string(MessageText(id, ELanguage::kEnglish));
+}
+
+std::string LabelOf(const THeuristicRow& row) {
+    if (row.label == EMessage::kCount)
+        return "none";
+    const std::string label = '"' + Text(row.label) + '"';
+    return row.choice == EMessage::kCount ? label : label + " \"" + Text(row.choice) + '"';
+}
+
+std::string HexText(u32 bit) {
+    char text[16];
+    std::snprintf(text, sizeof(text), "0x%x", bit);
+    return text;
+}
+
+}  // namespace
+
+std::string HeuristicsDocument() {
+    std::string document = kHead;
+    for (const THeuristicRow& row : kHeuristicRows) {
+        document += "| `" + std::string(row.name) + "` | " + HexText(row.bit) + " | " +
+                    LabelOf(row) + " | " + ParametersOf(row.parameters) + " | " + Text(row.help) +
+                    " |\n";
+    }
+    return document;
+}
+
+}  // namespace quillmere

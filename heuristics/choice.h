@@ -1,0 +1,36 @@
+// A word of heuristics with all its parameters, out of the four places where a node keeps them.
+//
+// A reader of texts works on a choice and stores it only when the whole text was good, so that a
+// fault changes nothing.
+#pragma once
+
+#include "core/chessboard.h"
+#include "core/heuristics.h"
+
+#include <cstddef>
+
+namespace quillmere {
+
+struct THeuristicChoice {
+    u32 heur = 0;
+    u8 OneColorMode = kOneColourOff;
+    THeuristicSettings settings;
+
+    // Of the search context
+    u8 KeyDiagonalSquares[2] = {kNoSquare, kNoSquare};
+    u8 KeyLineFile = kNoSquare;
+    std::size_t onlyAfterCount = 0;  // moves of SeaSnakeOnlyAfter; never written back
+};
+
+// The choice of the node; defaults for what it has no thread or search context for.
+THeuristicChoice ChoiceOf(const TChessboard& node);
+
+// Writes the choice to the node, its thread and its search context, both of which it must have,
+// and brings HeurParams and the tracked figures in line.
+void StoreChoice(TChessboard& node, const THeuristicChoice& choice);
+
+// Adds a square to the blocked figures, once. False if there is no room.
+bool AddBlockedFigure(THeuristicSettings& settings, u8 square);
+void ClearBlockedFigures(THeuristicSettings& settings);
+
+}  // namespace quillmere
