@@ -8,7 +8,7 @@ namespace quillmere {
 namespace {
 
 constexpr const char* kHead =
-    R"(<!-- Made by quillmere_generate_docs from heuristics/catalogue.def. Do not edit. -->
+    R"doc(<!-- Made by quillmere_generate_docs from heuristics/catalogue.def. Do not edit. -->
 # Heuristics
 
 A heuristic is an assumption about what the solution of a composition looks like. While it is on, a
@@ -39,7 +39,7 @@ that of `SH_KEEPKINGWITHINEXTEDGE(strict)` is "Don't let bl.king"
 
 | Name | Bit | Label | Parameters | Assumption |
 |---|---|---|---|---|
-)";
+)doc";
 
 const char* ParametersOf(EHeuristicParameters parameters) {
     using enum EHeuristicParameters;

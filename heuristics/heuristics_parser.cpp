@@ -11,10 +11,6 @@
 namespace quillmere {
 namespace {
 
-bool IsSameWord(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, ToUpperLetter, ToUpperLetter);
-}
-
 // Takes a text apart, from left to right.
 class CTextReader {
 public:

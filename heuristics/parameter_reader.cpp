@@ -12,10 +12,6 @@
 namespace quillmere {
 namespace {
 
-bool IsSameWord(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, ToUpperLetter, ToUpperLetter);
-}
-
 // The parameters of the kind go back to their defaults, those that others read too unless kept.
 void ResetParameters(EHeuristicParameters kind, bool doKeepShared, THeuristicChoice& choice) {
     using enum EHeuristicParameters;

@@ -2,12 +2,19 @@
 // knows them again in any case of letters.
 #pragma once
 
+#include "core/text.h"
 #include "core/types.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
 namespace quillmere {
+
+// Equal but for the case of letters.
+constexpr bool IsSameWord(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, ToUpperLetter, ToUpperLetter);
+}
 
 constexpr std::string_view kWordStrictKing = "STRICT";
 constexpr std::string_view kWordAlmostStrict = "ALMOST_STRICT";

@@ -5,6 +5,7 @@
 #include "core/text.h"
 #include "core/thread_context.h"
 #include "heuristics/choice.h"
+#include "heuristics/parameter_words.h"
 
 #include <algorithm>
 #include <limits>
@@ -68,17 +69,13 @@ i16 QuickerDepthOf(std::string_view text) {
     return halfMoves < 1 ? i16{-1} : static_cast<i16>(halfMoves);
 }
 
-bool IsSafeMode(std::string_view text) {
-    return std::ranges::equal(text, kSafeMode, {}, ToUpperLetter, ToUpperLetter);
-}
-
 }  // namespace
 
 void ParsePredefinedOption(TChessboard& node, std::string_view text) {
     THeuristicChoice choice = ChoiceOf(node);
     if (text.starts_with(kBlockedPrefix)) {
         BlockFigures(node, text, choice);
-    } else if (IsSafeMode(text)) {
+    } else if (IsSameWord(text, kSafeMode)) {
         node.m_searchContext->isExact = true;
     } else if (text.starts_with(kSurrounded)) {
         choice.heur &= ~(SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE);

@@ -93,8 +93,9 @@ TEST(MessageTable, Texts_AreCleanUtf8) {
             }
             EXPECT_NE(form.front(), ' ') << form;
             // The blank behind the one conflict of the heuristics is part of its text.
-            if (MessageAt(i) != EMessage::kConflictKingMoveAndEdge)
+            if (MessageAt(i) != EMessage::kConflictKingMoveAndEdge) {
                 EXPECT_NE(form.back(), ' ') << form;
+            }
             EXPECT_EQ(form.find("  "), std::string_view::npos) << form;
             while (!form.empty()) {
                 const std::size_t length = Utf8Length(form);
