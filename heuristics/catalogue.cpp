@@ -5,6 +5,7 @@
 #include "heuristics/parameter_words.h"
 
 #include <bit>
+#include <utility>
 
 namespace quillmere {
 namespace {

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 
 namespace quillmere {
 namespace {

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace quillmere {
@@ -48,8 +49,9 @@ std::vector<u8> ReadSquares(std::string_view text) {
 
 void BlockFigures(const TChessboard& node, std::string_view text, THeuristicChoice& choice) {
     std::vector<u8> squares = ReadSquares(text);
-    std::ranges::stable_partition(squares,
-                                  [&](u8 square) { return node.m_board[square] == kBlackPawn; });
+    std::stable_partition(squares.begin(), squares.end(), [&](u8 square) {
+        return node.m_board[square] == kBlackPawn;
+    });
     for (const u8 square : squares)
         AddBlockedFigure(choice.settings, square);
     choice.heur |= SH_DONTLETFIGUREUNBLOCK;

@@ -2,6 +2,7 @@
 #include "heuristics/catalogue_document.h"
 #include "tests/support/temporary_folder.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 

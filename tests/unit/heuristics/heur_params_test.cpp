@@ -1,8 +1,9 @@
 #include "heuristics/heur_params.h"
 #include "tests/support/search_board.h"
 
-#include <functional>
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace quillmere {
 namespace {
