@@ -168,6 +168,14 @@ bool FindMateInOne(TChessboard& node, TMove* mate) {
     return true;
 }
 
+bool IsMateThreatened(TChessboard& node) {
+    assert(!node.IsWhiteToMove() && node.m_nMoves > 0);
+    TChessboard passed = node;
+    passed.m_parent = &node;
+    MakeNullMove(passed);
+    return IsMateInOne(passed);
+}
+
 // The moves are those of the game: what an assumption leaves out must not turn into an exact "no".
 bool IsMateInTwo(TChessboard& node) {
     TChessboard root = node;

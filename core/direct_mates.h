@@ -14,6 +14,10 @@ bool IsMateInOne(TChessboard& node);
 // The same, and the mating move found goes to *mate, which is else left alone.
 bool FindMateInOne(TChessboard& node, TMove* mate);
 
+// Of a black node, black not in check, with a half-move left at least: if black passed, white would
+// mate with its next move.
+bool IsMateThreatened(TChessboard& node);
+
 // White mates in at most two moves, whatever black does.
 bool IsMateInTwo(TChessboard& node);
 

@@ -113,8 +113,9 @@ struct TThreadContext {
 
     // Assumptions, and what the make-moves read of them
     THeuristicSettings heuristics;
-    u64 forbiddenKingSquares = 0;  // bit per square, with SH_SINGLEQUEENMATE
-    u16 blockLevel = 0;            // half-moves; with SH_USEBLOCKBLACKPAWNSLEVEL
+    u64 forbiddenKingSquares = 0;      // bit per square, with SH_SINGLEQUEENMATE
+    u8 singleQueenSquare = kNoSquare;  // white's queen hunts alone from here; noted once
+    u16 blockLevel = 0;                // half-moves; with SH_USEBLOCKBLACKPAWNSLEVEL
     bool isSaveEventSecond = false;
     u64 separatedSquares = 0;      // one-colour play, separated bishop: squares not to enter
     u64 separatedPassSquares = 0;  // the same: squares that a slider may not pass

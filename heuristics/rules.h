@@ -24,6 +24,7 @@ namespace rules {
 
 // Behind the tests of the word below; not for other callers.
 bool ReplaceWhiteMoves(TChessboard& node, TMoveList& list);   // white_lists.cpp
+int CountWithoutWorst(int count);                             // white_lists.cpp
 bool IsKingMoveLeftOut(const TChessboard& node, TMove move);  // receding_king.cpp
 bool IsMoveLeftOut(TChessboard& child);                       // white_screens.cpp
 bool IsReplyLeftOut(TChessboard& child);                      // position_test.cpp
@@ -38,6 +39,11 @@ void UpdateAfterBlackMove(TChessboard& child);                // black_updates.c
 // the heuristic may have taken its bit off the node.
 inline bool ReplaceWhiteMoves(TChessboard& node, TMoveList& list) {
     return AreRulesOn(node, kListHeuristics) && rules::ReplaceWhiteMoves(node, list);
+}
+
+// Of a list of so many moves in the sort's order, how many are searched; fewer taint the node.
+inline int CountWithoutWorst(const TChessboard& node, int count) {
+    return AreRulesOn(node, SH_SKIPWORSTWHITEMOVES) ? rules::CountWithoutWorst(count) : count;
 }
 
 // After a list that the sort had cut failed: switches off, for this node, the heuristic that had it

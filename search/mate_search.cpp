@@ -193,6 +193,16 @@ bool SortListedMoves(TChessboard& node, TMoveList& list, bool& retry) {
     return true;
 }
 
+// Moves that the sort ranks last may be left out. Below kSortLevel nothing is ranked.
+void SkipWorstMoves(const TChessboard& node, TMoveList& list, CTaint& taint) {
+    if (node.m_nMoves < kSortLevel)
+        return;
+    const int kept = CountWithoutWorst(node, list.count);
+    if (kept < list.count)
+        taint.LeftOut();
+    list.count = kept;
+}
+
 // Step 7 of FindMate. Returns false if the sort met a mate.
 bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& retry) {
     TReplay& replay = node.m_threadContext->replay;
@@ -205,15 +215,18 @@ bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& ret
     }
     if (ReplaceWhiteMoves(node, list)) {
         taint.LeftOut();
-        return true;
+    } else {
+        if (node.m_nMoves > kForcingLevel && hooks::GetForcingMoves(node, list))
+            return true;
+        list.count = node.m_whiteInCheck >= 0 ? GetWhiteEvasions(node, list.moves)
+                                              : GetAllWhiteMoves(node, list.moves);
     }
-    if (node.m_nMoves > kForcingLevel && hooks::GetForcingMoves(node, list))
-        return true;
-    list.count = node.m_whiteInCheck >= 0 ? GetWhiteEvasions(node, list.moves)
-                                          : GetAllWhiteMoves(node, list.moves);
     if ((node.Heur & SH_USEBLOCKBLACKPAWNSLEVEL) != 0)
         return true;
-    return SortListedMoves(node, list, retry);
+    if (!SortListedMoves(node, list, retry))
+        return false;
+    SkipWorstMoves(node, list, taint);
+    return true;
 }
 
 // Ends a line whose mate is thought to be unavoidable. It must be a complete black node, whatever

@@ -49,14 +49,6 @@ TChessboard& CopyForMove(TChessboard& node) {
     return child;
 }
 
-// A move that does not check threatens mate by the next one.
-bool IsQuietThreat(TChessboard& child) {
-    TChessboard passed = child;
-    passed.m_parent = &child;
-    MakeNullMove(passed);
-    return IsMateInOne(passed);
-}
-
 bool IsSafeForKing(TChessboard& child, int square) {
     const int king = child.BlackKingSquare();
     u8* board = child.m_board;
@@ -84,7 +76,7 @@ int LeanKey(TChessboard& child, TMove move) {
     int key = 0;
     if (child.m_blackInCheck >= 0)
         key = -8;
-    else if (IsQuietThreat(child))
+    else if (IsMateThreatened(child))
         key = -4;
     return CanBlackTakeMovedFigure(child, move.to) ? key + 2 : key;
 }
@@ -114,7 +106,7 @@ TFullKey FullKey(TChessboard& child, TMove move) {
     replies.count = replyCount;
     const int flights = std::popcount(SafeKingSteps(child));
     int key = replyCount + kFlightWeight * flights;
-    const bool isThreat = !isCheck && IsQuietThreat(child);
+    const bool isThreat = !isCheck && IsMateThreatened(child);
     if (isThreat)
         key -= kThreatWeight;
     const bool isQuiet = !isCheck && !isThreat;
