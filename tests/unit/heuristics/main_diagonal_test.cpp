@@ -17,7 +17,7 @@ TEST(MainDiagonal, BishopThatLeavesTheKingsLongDiagonal_IsLeftOut) {
     constexpr TCase kCases[] = {
         {"7k/5K2/5p2/8/8/2B5/8/8", "c3b4", true},
         {"7k/5K2/5p2/8/8/2B5/8/8", "c3d4", false},
-        {"7k/5K2/5p2/8/8/2B5/8/8", "c3f6", false},
+        {"7k/5K2/5p2/8/8/2B5/P7/8", "c3f6", false},
         {"7k/5K2/5p2/8/8/8/3B4/8", "d2e3", false},   // was off it
         {"6k1/4K3/5p2/8/8/2B5/8/8", "c3b4", false},  // the king is off it
         {"k7/2K5/1p6/8/8/2B5/8/8", "c3b4", false},   // another diagonal

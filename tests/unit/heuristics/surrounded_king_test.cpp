@@ -36,8 +36,8 @@ TEST(SurroundedKing, LimitFollowsMaterialAndTheLastMoves) {
         {"8/P3k3/8/8/8/8/8/4K3", "a7a8Q", 3},
         {"8/P3k3/8/8/8/8/8/4K3", "a7a8R", 2},
         // A figure was lost the move before
-        {"4k3/8/8/8/8/8/r7/N3K2Q", "e1f2 a2a1 f2g2", 3},
-        {"4k3/8/8/8/8/8/r7/P3K2Q", "e1f2 a2a1 f2g2", 2},
+        {"4k3/8/8/8/8/8/r7/N3K2Q", "e1f1 a2a1 f1g2", 3},
+        {"4k3/8/8/8/8/r7/P7/4K2Q", "e1f1 a3a2 f1g1", 2},
         // Black has no figures
         {"4k3/8/8/8/8/8/8/BBN1K3", "e1e2", 3},
         {"4k3/8/8/8/8/8/4p3/BBN1K3", "e1e2", 4},

@@ -19,7 +19,7 @@ TEST(SweepingWhiteRook, RookGoesUpOnlyForAReason) {
     constexpr TCase kCases[] = {
         {"6k1/5pp1/8/8/8/8/8/R3K1n1", "a1a2", true, "no reason"},
         {"6k1/5pp1/8/8/8/8/8/R3K1n1", "a1b1", false, "sweeps"},
-        {"6k1/5pp1/8/8/8/8/8/R3K1n1", "e1e2", false, "the king's move"},
+        {"6k1/5pp1/8/8/8/8/8/R3K1n1", "e1d1", false, "the king's move"},
         {"6k1/5pp1/8/8/8/8/8/R3K1n1", "a1a8", true, "a check alone"},
         {"6k1/5ppp/8/8/8/8/8/R3K1n1", "a1a2", false, "threatens mate"},
         {"6k1/5ppp/8/8/8/8/8/R3K1n1", "a1a8", false, "mates"},

@@ -160,25 +160,23 @@ TEST(SeaSnake, PawnCaptureThatUnblocks_EndsTheHeuristic) {
         const char* fen;
         const char* line;
         u32 heur;
+        const char* why;
     };
     constexpr TCase kCases[] = {
-        {"7k/8/8/3p4/2NP4/8/8/K7", "a1a2 d5c4", 0},             // it stood before a pawn
-        {"7k/8/8/3p4/2N5/8/8/K7", "a1a2 d5c4", SH_SEASNAKE},    // nothing was blocked
-        {"7k/8/2p5/2Pp4/8/8/8/K7", "a1a2 h8g8", SH_SEASNAKE},   // no capture
-        {"7k/8/2p5/1pP5/P7/8/8/K7", "a1a2 b5a4", SH_SEASNAKE},  // a free pawn takes a free pawn
-        {"7k/8/8/p1p5/PpP5/1P6/8/K7", "a1a2 h8g8", SH_SEASNAKE},
-        {"7k/8/8/p7/Pp6/2P5/8/K7", "a1a2 b4c3", SH_SEASNAKE},
-        {"7k/8/8/p7/P7/1p6/P7/K7", "a1b2 b3a2", SH_SEASNAKE},
-        {"7k/8/8/pp6/P7/8/8/K7", "a1a2 b5a4", 0},              // the pawn a4 held the pawn a5
-        {"7k/8/8/8/1p6/P7/2P5/K7", "c2c4 b4c3", SH_SEASNAKE},  // in passing, nothing was blocked
-        {"7k/8/8/2n5/1p6/8/2P5/K7", "c2c4 b4c3", 0},           // in passing, c4 stood before c5
-        {"7k/8/8/3r4/2NP4/8/8/K7", "a1a2 d5d4", SH_SEASNAKE},  // a rook
+        {"7k/8/8/3p4/2NP4/8/7P/K7", "a1a2 d5c4", 0, "it stood before a pawn"},
+        {"7k/8/8/3p4/2N5/8/7P/K7", "a1a2 d5c4", SH_SEASNAKE, "nothing was blocked"},
+        {"7k/8/2p5/2Pp4/8/8/7P/K7", "a1a2 h8g8", SH_SEASNAKE, "no capture"},
+        {"7k/8/8/1p6/P7/8/7P/K7", "a1a2 b5a4", SH_SEASNAKE, "a free pawn takes a free pawn"},
+        {"7k/8/8/pp6/P7/8/7P/K7", "a1a2 b5a4", 0, "the pawn a4 stood before a man"},
+        {"7k/8/8/8/1p6/8/2P4P/K7", "c2c4 b4c3", SH_SEASNAKE, "in passing, nothing blocked"},
+        {"7k/8/8/2n5/1p6/8/2P4P/K7", "c2c4 b4c3", 0, "in passing, c4 stood before a man"},
+        {"7k/8/8/3r4/2NP4/8/7P/K7", "a1a2 d5d4", SH_SEASNAKE, "a rook"},
     };
     for (const TCase& c : kCases) {
         CWhiteRuleBoard board(c.fen, 17, SH_SEASNAKE);
         TChessboard& node = board.Line(c.line);
         EXPECT_EQ(ListOf(node), TTexts{});
-        EXPECT_EQ(node.Heur, c.heur) << c.fen << ' ' << c.line;
+        EXPECT_EQ(node.Heur, c.heur) << c.fen << ' ' << c.line << ": " << c.why;
     }
 }
 
