@@ -13,7 +13,7 @@
 //
 // After any other white move the plan may be over: where black can take a white figure (no pawn)
 // and white cannot take back, the heuristic is switched off for the subtree. That costs black's
-// captures being made, once for each white move.
+// captures being made, once for each white move that is not among the last two.
 #include "heuristics/sweeping_white_rook.h"
 
 #include "core/attacks.h"
@@ -31,6 +31,9 @@ namespace quillmere {
 namespace {
 
 constexpr int kMatingHalfMoves = 2;  // black's reply and the mate
+// With fewer left behind white's move no move of the subtree is screened any more: the last move is
+// found without a list.
+constexpr int kScreenedHalfMoves = 4;
 
 // Both squares lie on an edge of the board that the king stands on.
 bool AreOnEdgeOf(int king, int a, int b) {
@@ -99,7 +102,7 @@ bool IsFigureLost(TChessboard& child) {
 bool HasRookStoppedSweeping(TChessboard& child) {
     if (IsRookMoveOffPlan(child))
         return true;
-    if (child.m_nMoves >= kMatingHalfMoves && IsFigureLost(child))
+    if (child.m_nMoves >= kScreenedHalfMoves && IsFigureLost(child))
         SetHeur(child, child.Heur & ~u32{SH_SWEEPINGWHITEROOK});
     return false;
 }
