@@ -1,0 +1,44 @@
+// SH_SEASNAKE, the black half: black's pendulum.
+//
+// The plan of the sea snake is that one black man swings between two squares, having no others, while
+// the white king walks its triangle. Once the moves after which the plan begins are played, a reply
+// that leads the man from one of the two squares to any but the other one leaves the plan.
+//
+// A plan that the program found itself is then over: the bit goes off the node, which is searched
+// with the plain list, and nothing is left out. A plan that the user gave is taken as it stands, and
+// the reply is given up.
+//
+// What is lost, with the user's plan alone, are mates against other defences. The cost is two
+// comparisons.
+#include "core/search_context.h"
+#include "core/thread_context.h"
+#include "heuristics/reply_rules.h"
+
+namespace quillmere {
+namespace {
+
+bool HasPlanBegun(const TChessboard& child) {
+    return child.Ply() > static_cast<int>(child.m_searchContext->SeaSnakeOnlyAfter.size());
+}
+
+bool IsOffPlan(const CReply& reply) {
+    const THeuristicSettings& settings = reply.Settings();
+    const TMove move = reply.Move();
+    const int first = settings.SeaSnakePendulum1;
+    const int second = settings.SeaSnakePendulum2;
+    if (move.IsNull() || (move.from != first && move.from != second))
+        return false;
+    return move.to != (move.from == first ? second : first) && HasPlanBegun(reply.Child());
+}
+
+}  // namespace
+
+bool EndsSeaSnake(const CReply& reply) {
+    return !reply.Settings().SeaSnakeByUser && IsOffPlan(reply);
+}
+
+bool rules::HasLeftPendulum(CReply& reply) {
+    return reply.Settings().SeaSnakeByUser && IsOffPlan(reply);
+}
+
+}  // namespace quillmere
