@@ -16,6 +16,7 @@
 #include "tests/support/reference.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -104,7 +105,7 @@ private:
     THeuristicSettings& Settings() { return m_thread.heuristics; }
 
     void DrawCounts(CRandom& random) {
-        for (int kind = 0; kind < 5; ++kind) {
+        for (std::size_t kind = 0; kind < 5; ++kind) {
             const int more = random.Chance(30) ? random.Below(3) : 0;
             Settings().InitialWhiteCounts[kind] = static_cast<u8>(m_root.m_counts[2 * kind] + more);
             Settings().InitialBlackCounts[kind] =

@@ -8,6 +8,7 @@
 #include "tests/support/search_board.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <sstream>
@@ -68,7 +69,7 @@ public:
 private:
     void FillInitialCounts() {
         THeuristicSettings& settings = m_board.Thread().heuristics;
-        for (int kind = 0; kind < 5; ++kind) {
+        for (std::size_t kind = 0; kind < 5; ++kind) {
             settings.InitialWhiteCounts[kind] = m_board.Root().m_counts[2 * kind];
             settings.InitialBlackCounts[kind] = m_board.Root().m_counts[2 * kind + 1];
         }

@@ -9,7 +9,6 @@ using test::CReplyLine;
 using test::CSearchBoard;
 using test::SettingsOf;
 using test::SquareOf;
-using test::TReplyCase;
 
 // What is left of the word after the reply, and whether the reply is given up.
 struct TUpdateCase {
