@@ -31,9 +31,9 @@ constexpr int kPawnsOfInitial = 4;  // place of the pawns in InitialWhiteCounts
 bool IsLossOf(const CReply& reply, u8 captured) {
     const THeuristicSettings& settings = reply.Settings();
     if (!IsFigure(captured)) {
-        // A pawn that was taken in passing had made its double step, and stands far from promotion.
+        // For a pawn that was taken in passing the reply ends on the third rank.
         return settings.LoseFiguresMode == kAllPawns ||
-               (settings.LoseFiguresMode != kFiguresOnly && reply.Move().enPassant == 0 &&
+               (settings.LoseFiguresMode != kFiguresOnly &&
                 RankOf(reply.Move().to) == kRankBeforePromotion);
     }
     if (settings.LoseFiguresMode != kFiguresOnly)
