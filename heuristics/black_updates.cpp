@@ -14,7 +14,7 @@ namespace {
 constexpr u32 kPlans = SH_KEYWHITEFIGURE | SH_SEASNAKE | SH_SINGLEQUEENMATE;
 
 // Bits that the reply takes off the node.
-u32 EndedPlans(const CReply& reply, u32 heur) {
+u32 EndedPlans(const CBlackReply& reply, u32 heur) {
     u32 ended = 0;
     if ((heur & SH_KEYWHITEFIGURE) != 0 && EndsKeyPin(reply))
         ended |= SH_KEYWHITEFIGURE;
@@ -36,7 +36,7 @@ bool HasTrackedMoved(const TChessboard& child) {
 void rules::UpdateAfterBlackMove(TChessboard& child) {
     u32 ended = 0;
     if ((child.Heur & kPlans) != 0)
-        ended = EndedPlans(CReply(child), child.Heur);
+        ended = EndedPlans(CBlackReply(child), child.Heur);
     // Whoever looks for the frame of the single queen below sees that it is gone.
     if ((ended & SH_SINGLEQUEENMATE) != 0)
         child.m_searchFlags |= kSearchEdgeReleased;

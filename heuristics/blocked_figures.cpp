@@ -16,7 +16,7 @@
 
 namespace quillmere {
 
-bool rules::HasBlockedFigureMoved(CReply& reply) {
+bool rules::HasBlockedFigureMoved(CBlackReply& reply) {
     const bool isMoved = std::memcmp(reply.Child().m_trackedFigures,
                                      reply.BlackNode().m_trackedFigures,
                                      sizeof reply.Child().m_trackedFigures) != 0;

@@ -47,14 +47,14 @@ int Gain(const TChessboard& node, const THeuristicSettings& settings) {
            CountInitial(settings.InitialBlackCounts, countPawns);
 }
 
-bool WillCapturerFall(const CReply& reply) {
+bool WillCapturerFall(const CBlackReply& reply) {
     const u8 capturer = reply.Child().m_board[reply.Move().to];
     const bool isCounted = IsFigure(capturer) ||
                            (KindOf(capturer) == kPawn && reply.Settings().RelaxCapturesCountPawns);
     return reply.Captured() != 0 && isCounted && reply.CanBeTaken();
 }
 
-bool IsBalanceReached(const CReply& reply) {
+bool IsBalanceReached(const CBlackReply& reply) {
     const THeuristicSettings& settings = reply.Settings();
     if (settings.RelaxAfterCaptures == 0)
         return false;
@@ -96,7 +96,7 @@ bool MayTriggerCome(const TChessboard& node, const THeuristicSettings& settings)
 
 // Puts the test off. The mark goes to the line under the rule of the outer rings only when the king
 // has left them; a mere step off the edge is let through without it.
-void Defer(CReply& reply, EEdgeRule rule) {
+void Defer(CBlackReply& reply, EEdgeRule rule) {
     TChessboard& child = reply.Child();
     reply.MarkEvent();
     if (rule == EEdgeRule::kExtEdge && child.BlackKingEdgeDistance() <= 1)
@@ -105,7 +105,7 @@ void Defer(CReply& reply, EEdgeRule rule) {
     child.m_threadContext->heuristics.DeferCheckLimit = static_cast<u16>(DeferredUntil(child));
 }
 
-bool IsPutOff(CReply& reply, EEdgeRule rule) {
+bool IsPutOff(CBlackReply& reply, EEdgeRule rule) {
     const TChessboard& child = reply.Child();
     const THeuristicSettings& settings = reply.Settings();
     if (settings.DeferCheckMoves == 0)
@@ -127,7 +127,7 @@ int DeferredUntil(const TChessboard& node) {
     return std::max(1, first->m_nMoves - 2 * node.m_threadContext->heuristics.DeferCheckMoves);
 }
 
-bool IsEdgeRuleRelaxed(CReply& reply, EEdgeRule rule) {
+bool IsEdgeRuleRelaxed(CBlackReply& reply, EEdgeRule rule) {
     const THeuristicSettings& settings = reply.Settings();
     const bool isTriggerOn = settings.RelaxAfterCaptures != 0 || settings.RelaxOnAdvancedPawn;
     if (!isTriggerOn || (rule == EEdgeRule::kEdge && settings.RelaxOnlyExtEdge))

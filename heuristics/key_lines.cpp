@@ -20,14 +20,14 @@ bool IsOnLineOf(u8 kind, int a, int b, int square) {
     return square == a || LineStep(a, square) == step || LineStep(square, a) == step;
 }
 
-bool rules::HasRookMovedAlongKeyLine(CReply& reply) {
+bool rules::HasRookMovedAlongKeyLine(CBlackReply& reply) {
     if (reply.Mover() != kBlackRook)
         return false;
     const int file = reply.Child().m_searchContext->KeyLineFile;
     return FileOf(reply.Move().from) == file && FileOf(reply.Move().to) == file;
 }
 
-bool rules::HasBishopMovedAlongDiagonal(CReply& reply) {
+bool rules::HasBishopMovedAlongDiagonal(CBlackReply& reply) {
     if (reply.Mover() != kBlackBishop)
         return false;
     const u8* key = reply.Child().m_searchContext->KeyDiagonalSquares;

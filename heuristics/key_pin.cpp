@@ -34,7 +34,7 @@ bool IsPinStanding(const TChessboard& node, int key) {
     return pinned != king && IsBlack(b[pinned]) && IsLineClear(b, pinned, king, step);
 }
 
-bool IsAlongPin(const CReply& reply, int key) {
+bool IsAlongPin(const CBlackReply& reply, int key) {
     const int pinned = reply.Settings().KeyWhiteFigurePinned;
     const int other = pinned < kSquareCount ? pinned : reply.BlackNode().BlackKingSquare();
     const u8 kind = LineBit(key, other);
@@ -44,7 +44,7 @@ bool IsAlongPin(const CReply& reply, int key) {
 
 }  // namespace
 
-bool EndsKeyPin(const CReply& reply) {
+bool EndsKeyPin(const CBlackReply& reply) {
     const int key = reply.Settings().KeyWhiteFigureSquare;
     if (key >= kSquareCount)
         return true;
@@ -52,7 +52,7 @@ bool EndsKeyPin(const CReply& reply) {
            (reply.Child().m_nMoves < kLastPinHalfMoves || !IsPinStanding(reply.Child(), key));
 }
 
-bool rules::IsKeyFigureGone(CReply& reply) {
+bool rules::IsKeyFigureGone(CBlackReply& reply) {
     const int key = reply.Settings().KeyWhiteFigureSquare;
     return key < kSquareCount && !IsPinStanding(reply.Child(), key) &&
            IsPinStanding(reply.BlackNode(), key);

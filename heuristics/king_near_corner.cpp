@@ -14,7 +14,7 @@
 
 namespace quillmere {
 
-bool rules::HasKingLeftCorner(CReply& reply) {
+bool rules::HasKingLeftCorner(CBlackReply& reply) {
     const int bound = reply.Settings().NearCornerDistance;
     const int file = kEdgeDistance[reply.Child().m_blackKingFile];
     const int rank = kEdgeDistance[reply.Child().m_blackKingRank];

@@ -23,12 +23,12 @@ bool IsNextToCorner(int square) {
     return kEdgeDistance[FileOf(square)] == 1 && kEdgeDistance[RankOf(square)] == 1;
 }
 
-bool IsDrivenMove(const CReply& reply) {
+bool IsDrivenMove(const CBlackReply& reply) {
     return reply.BlackNode().m_blackInCheck >= 0 &&
            EdgeDistance(reply.Move().to) <= EdgeDistance(reply.Move().from);
 }
 
-bool FiresStrict(CReply& reply) {
+bool FiresStrict(CBlackReply& reply) {
     if (!reply.IsKingMove() || (reply.Child().m_searchFlags & kSearchEdgeReleased) != 0)
         return false;
     if (reply.Settings().KingMoveExceptions && IsDrivenMove(reply))
@@ -36,7 +36,7 @@ bool FiresStrict(CReply& reply) {
     return !IsEdgeRuleRelaxed(reply, EEdgeRule::kEdge) && !reply.IsMatedAtOnce();
 }
 
-bool FiresPlain(CReply& reply) {
+bool FiresPlain(CBlackReply& reply) {
     const TChessboard& child = reply.Child();
     if (!reply.IsKingMove() && !IsEdgeTestDeferred(child))
         return false;
@@ -50,7 +50,7 @@ bool IsOnEdge(const THeuristicSettings& settings, int square) {
     return EdgeDistance(square) == 0 || (settings.EdgeSquaresInclCorner && IsNextToCorner(square));
 }
 
-bool rules::HasKingLeftEdge(CReply& reply) {
+bool rules::HasKingLeftEdge(CBlackReply& reply) {
     return reply.Settings().StrictKingMove ? FiresStrict(reply) : FiresPlain(reply);
 }
 

@@ -12,7 +12,7 @@
 
 namespace quillmere {
 
-bool rules::HasKingLeftExtEdge(CReply& reply) {
+bool rules::HasKingLeftExtEdge(CBlackReply& reply) {
     const TChessboard& child = reply.Child();
     const THeuristicSettings& settings = reply.Settings();
     const bool isOutside = child.BlackKingEdgeDistance() > 1;

@@ -44,7 +44,7 @@ bool CanTakePawnOnTheWay(const TChessboard& node) {
 
 }  // namespace
 
-bool rules::AreKingsTooFar(CReply& reply) {
+bool rules::AreKingsTooFar(CBlackReply& reply) {
     const TChessboard& child = reply.Child();
     if (reply.Move().Promotion() != 0 || !IsKingNeeded(child))
         return false;

@@ -74,7 +74,7 @@ bool CanCatchKnight(const TChessboard& node) {
 
 }  // namespace
 
-bool rules::IsKnightOutOfReach(CReply& reply) {
+bool rules::IsKnightOutOfReach(CBlackReply& reply) {
     const TChessboard& child = reply.Child();
     return child.m_counts[kBlackKnights] != 0 && child.m_counts[kBlackPawns] == 0 &&
            CountWhiteFigures(child) <= 1 && !IsCorner(child.BlackKingSquare()) &&

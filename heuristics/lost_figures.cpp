@@ -28,7 +28,7 @@ constexpr u8 kAllPawns = 1;
 constexpr int kRankBeforePromotion = 6;
 constexpr int kPawnsOfInitial = 4;  // place of the pawns in InitialWhiteCounts
 
-bool IsLossOf(const CReply& reply, u8 captured) {
+bool IsLossOf(const CBlackReply& reply, u8 captured) {
     const THeuristicSettings& settings = reply.Settings();
     if (!IsFigure(captured)) {
         // For a pawn that was taken in passing the reply ends on the third rank.
@@ -44,14 +44,14 @@ bool IsLossOf(const CReply& reply, u8 captured) {
                1;
 }
 
-bool IsExchange(const CReply& reply) {
+bool IsExchange(const CBlackReply& reply) {
     const TChessboard* before = reply.WhiteNode();
     return before != nullptr && IsFigure(before->m_board[reply.BlackNode().m_lastMove.to]);
 }
 
 }  // namespace
 
-bool rules::AreFiguresLost(CReply& reply) {
+bool rules::AreFiguresLost(CBlackReply& reply) {
     const u8 captured = reply.Captured();
     return captured != 0 && IsLossOf(reply, captured) && !IsExchange(reply) &&
            !reply.IsMatedAtOnce();

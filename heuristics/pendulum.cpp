@@ -21,7 +21,7 @@ bool HasPlanBegun(const TChessboard& child) {
     return child.Ply() > static_cast<int>(child.m_searchContext->SeaSnakeOnlyAfter.size());
 }
 
-bool IsOffPlan(const CReply& reply) {
+bool IsOffPlan(const CBlackReply& reply) {
     const THeuristicSettings& settings = reply.Settings();
     const TMove move = reply.Move();
     const int first = settings.SeaSnakePendulum1;
@@ -33,11 +33,11 @@ bool IsOffPlan(const CReply& reply) {
 
 }  // namespace
 
-bool EndsSeaSnake(const CReply& reply) {
+bool EndsSeaSnake(const CBlackReply& reply) {
     return !reply.Settings().SeaSnakeByUser && IsOffPlan(reply);
 }
 
-bool rules::HasLeftPendulum(CReply& reply) {
+bool rules::HasLeftPendulum(CBlackReply& reply) {
     return reply.Settings().SeaSnakeByUser && IsOffPlan(reply);
 }
 

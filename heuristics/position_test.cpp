@@ -17,7 +17,7 @@ namespace {
 
 struct TReplyRule {
     u32 bit;
-    bool (*isLeftOut)(CReply& reply);
+    bool (*isLeftOut)(CBlackReply& reply);
 };
 
 constexpr TReplyRule kReplyRules[] = {
@@ -56,7 +56,7 @@ bool rules::IsReplyLeftOut(TChessboard& child) {
     const u32 heur = child.Heur & MaskOfRules();
     if (heur == 0 || child.m_nMoves < kLeastHalfMoves)
         return false;
-    CReply reply(child);
+    CBlackReply reply(child);
     return std::any_of(
         std::begin(kReplyRules), std::end(kReplyRules), [heur, &reply](const TReplyRule& rule) {
             return (heur & rule.bit) != 0 && rule.isLeftOut(reply);

@@ -30,7 +30,7 @@ namespace {
 
 constexpr int kPawnsOfInitial = 4;  // place of the pawns in InitialBlackCounts
 
-bool IsMoveOfPromoted(const CReply& reply) {
+bool IsMoveOfPromoted(const CBlackReply& reply) {
     return (reply.Child().m_searchFlags & kSearchPromotionsMask) != 0 && IsFigure(reply.Mover()) &&
            WasPromotedInLine(reply.BlackNode(), reply.Move().from);
 }
@@ -47,7 +47,7 @@ bool IsLastOfMany(const TChessboard& child, const THeuristicSettings& settings) 
            std::accumulate(initial, initial + kPawnsOfInitial, 0) > 1;
 }
 
-bool IsLetThrough(const CReply& reply) {
+bool IsLetThrough(const CBlackReply& reply) {
     const TChessboard& child = reply.Child();
     const THeuristicSettings& settings = reply.Settings();
     const int square = reply.Move().to;
@@ -61,7 +61,7 @@ bool IsLetThrough(const CReply& reply) {
 
 }  // namespace
 
-bool rules::HasPromotedFigureMoved(CReply& reply) {
+bool rules::HasPromotedFigureMoved(CBlackReply& reply) {
     if (!IsMoveOfPromoted(reply))
         return false;
     if (!IsLetThrough(reply))
@@ -71,7 +71,7 @@ bool rules::HasPromotedFigureMoved(CReply& reply) {
     return false;
 }
 
-bool rules::HasPromotedQueenMoved(CReply& reply) {
+bool rules::HasPromotedQueenMoved(CBlackReply& reply) {
     return reply.Mover() == kBlackQueen && HasPromotedFigureMoved(reply);
 }
 

@@ -47,7 +47,7 @@ bool AreChecksNatural(const TChessboard& node) {
 
 }  // namespace
 
-bool rules::HasQueenCheckedTwice(CReply& reply) {
+bool rules::HasQueenCheckedTwice(CBlackReply& reply) {
     const TChessboard& child = reply.Child();
     if (!IsQueenCheckAgain(child) || IsStepOnEdge(reply.Move()))
         return false;

@@ -8,7 +8,7 @@
 
 namespace quillmere {
 
-bool EndsSingleQueen(const CReply& reply) {
+bool EndsSingleQueen(const CBlackReply& reply) {
     return !reply.Move().IsNull() && (!reply.IsKingMove() || reply.Captured() != 0);
 }
 

@@ -12,13 +12,13 @@
 
 namespace quillmere {
 
-u8 CReply::Captured() const {
+u8 CBlackReply::Captured() const {
     if (Move().IsNull())
         return 0;
     return Move().enPassant != 0 ? kWhitePawn : BlackNode().m_board[Move().to];
 }
 
-bool CReply::IsMatedAtOnce() {
+bool CBlackReply::IsMatedAtOnce() {
     if (m_mate == EKnown::kUnknown)
         m_mate = IsMateInOne(m_child) ? EKnown::kYes : EKnown::kNo;
     return m_mate == EKnown::kYes;
@@ -26,7 +26,7 @@ bool CReply::IsMatedAtOnce() {
 
 // Castling takes nothing, and en passant only a pawn beside the square, so that the square where the
 // reply ended is the whole question.
-bool CReply::CanBeTaken() const {
+bool CBlackReply::CanBeTaken() const {
     const int square = Move().to;
     if (!IsAttackedByWhite(m_child, square))
         return false;
@@ -38,11 +38,11 @@ bool CReply::CanBeTaken() const {
     });
 }
 
-const THeuristicSettings& CReply::Settings() const {
+const THeuristicSettings& CBlackReply::Settings() const {
     return m_child.m_threadContext->heuristics;
 }
 
-void CReply::SetFlags(u16 searchFlags) {
+void CBlackReply::SetFlags(u16 searchFlags) {
     m_child.m_searchFlags |= searchFlags;
     ComputeHeurParams(m_child);
 }

@@ -21,10 +21,10 @@ constexpr bool IsFigure(u8 code) {
 }
 
 // One reply of black under test, with what several rules ask about it.
-class CReply {
+class CBlackReply {
 public:
     // The white node after the reply; it must have a parent, and they must outlive this.
-    explicit CReply(TChessboard& child) : m_child(child) {}
+    explicit CBlackReply(TChessboard& child) : m_child(child) {}
 
     TChessboard& Child() const { return m_child; }
     TChessboard& BlackNode() const { return *m_child.m_parent; }
@@ -58,23 +58,23 @@ private:
 
 namespace rules {
 
-bool IsTooFreeForThreeMoves(CReply& reply);       // three_moves_to_mate.cpp
-bool HasPromotedQueenMoved(CReply& reply);        // promoted_figures.cpp
-bool HasPromotedFigureMoved(CReply& reply);       // promoted_figures.cpp
-bool HasBlockedFigureMoved(CReply& reply);        // blocked_figures.cpp
-bool HasRookMovedAlongKeyLine(CReply& reply);     // key_lines.cpp
-bool HasBishopMovedAlongDiagonal(CReply& reply);  // key_lines.cpp
-bool HasQueenCheckedTwice(CReply& reply);         // queen_checks_twice.cpp
-bool IsLastQueenOrRookLost(CReply& reply);        // save_queen_rook.cpp
-bool AreFiguresLost(CReply& reply);               // lost_figures.cpp
-bool AreKingsTooFar(CReply& reply);               // kings_near.cpp
-bool HasKingLeftCorner(CReply& reply);            // king_near_corner.cpp
-bool HasKingLeftEdge(CReply& reply);              // king_on_edge.cpp
-bool HasKingLeftExtEdge(CReply& reply);           // king_within_ext_edge.cpp
-bool IsKnightOutOfReach(CReply& reply);           // knight_hunt.cpp
-bool IsHopelessByTables(CReply& reply);           // table_reduction.cpp
-bool HasLeftPendulum(CReply& reply);              // pendulum.cpp
-bool IsKeyFigureGone(CReply& reply);              // key_pin.cpp
+bool IsTooFreeForThreeMoves(CBlackReply& reply);       // three_moves_to_mate.cpp
+bool HasPromotedQueenMoved(CBlackReply& reply);        // promoted_figures.cpp
+bool HasPromotedFigureMoved(CBlackReply& reply);       // promoted_figures.cpp
+bool HasBlockedFigureMoved(CBlackReply& reply);        // blocked_figures.cpp
+bool HasRookMovedAlongKeyLine(CBlackReply& reply);     // key_lines.cpp
+bool HasBishopMovedAlongDiagonal(CBlackReply& reply);  // key_lines.cpp
+bool HasQueenCheckedTwice(CBlackReply& reply);         // queen_checks_twice.cpp
+bool IsLastQueenOrRookLost(CBlackReply& reply);        // save_queen_rook.cpp
+bool AreFiguresLost(CBlackReply& reply);               // lost_figures.cpp
+bool AreKingsTooFar(CBlackReply& reply);               // kings_near.cpp
+bool HasKingLeftCorner(CBlackReply& reply);            // king_near_corner.cpp
+bool HasKingLeftEdge(CBlackReply& reply);              // king_on_edge.cpp
+bool HasKingLeftExtEdge(CBlackReply& reply);           // king_within_ext_edge.cpp
+bool IsKnightOutOfReach(CBlackReply& reply);           // knight_hunt.cpp
+bool IsHopelessByTables(CBlackReply& reply);           // table_reduction.cpp
+bool HasLeftPendulum(CBlackReply& reply);              // pendulum.cpp
+bool IsKeyFigureGone(CBlackReply& reply);              // key_pin.cpp
 
 }  // namespace rules
 
@@ -84,7 +84,7 @@ enum class EEdgeRule : u8 { kEdge, kExtEdge };
 
 // An edge rule is about to give up the reply. True if it must not: the settings release it or put it
 // off. May write kSearchEdgeDeferred and kSearchEdgeReleased of the node.
-bool IsEdgeRuleRelaxed(CReply& reply, EEdgeRule rule);
+bool IsEdgeRuleRelaxed(CBlackReply& reply, EEdgeRule rule);
 // A test that was put off in this line is still to be answered for.
 inline bool IsEdgeTestDeferred(const TChessboard& node) {
     return (node.m_searchFlags & kSearchEdgeDeferred) != 0;
@@ -105,10 +105,10 @@ bool IsOnLineOf(u8 kind, int a, int b, int square);  // key_lines.cpp
 // What black's move does to the word
 
 // The reply breaks the pin of the key figure, so that its bit goes.
-bool EndsKeyPin(const CReply& reply);  // key_pin.cpp
+bool EndsKeyPin(const CBlackReply& reply);  // key_pin.cpp
 // The reply leaves the pendulum, and the plan was not the user's, so that the bit goes.
-bool EndsSeaSnake(const CReply& reply);  // pendulum.cpp
+bool EndsSeaSnake(const CBlackReply& reply);  // pendulum.cpp
 // A man of the frame around a single queen and the king has moved or fallen.
-bool EndsSingleQueen(const CReply& reply);  // queen_frame.cpp
+bool EndsSingleQueen(const CBlackReply& reply);  // queen_frame.cpp
 
 }  // namespace quillmere

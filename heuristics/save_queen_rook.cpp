@@ -9,7 +9,7 @@
 
 namespace quillmere {
 
-bool rules::IsLastQueenOrRookLost(CReply& reply) {
+bool rules::IsLastQueenOrRookLost(CBlackReply& reply) {
     const u8 captured = reply.Captured();
     if (captured != kWhiteQueen && captured != kWhiteRook)
         return false;

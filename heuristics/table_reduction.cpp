@@ -9,7 +9,7 @@
 
 namespace quillmere {
 
-bool rules::IsHopelessByTables(CReply& /*reply*/) {
+bool rules::IsHopelessByTables(CBlackReply& /*reply*/) {
     return false;
 }
 

@@ -44,7 +44,7 @@ bool MayBlackPromote(const TChessboard& node) {
 
 }  // namespace
 
-bool rules::IsTooFreeForThreeMoves(CReply& reply) {
+bool rules::IsTooFreeForThreeMoves(CBlackReply& reply) {
     TChessboard& child = reply.Child();
     const u8* c = child.m_counts;
     return child.m_nMoves == kHalfMovesOfThree && child.m_figureListValid != 0 &&
