@@ -84,7 +84,9 @@ struct THeuristicSettings {
     // Relaxation
     bool AllowRelaxPromotedQueen = false;
     bool AllowRelaxQueenCheckTwice = false;
-    bool AllowSwitchToSurrounded = false;
+    // SH_ASSERTBLACKKINGSURROUNDED may take the place of a strict SH_KEEPKINGONTHEEDGE: 0 no, 1 once
+    // its exceptions are on, 2 also when strictness ends.
+    u8 AllowSwitchToSurrounded = 0;
     bool IsReapplyBlockPending = false;
     bool IsSwapBlockAndKeyFigurePending = false;
     bool LetRelaxHeuristics = true;

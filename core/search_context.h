@@ -7,12 +7,14 @@
 #pragma once
 
 #include "core/chessboard.h"
+#include "core/relaxation_times.h"
 
 #include <atomic>
 #include <vector>
 
 namespace quillmere {
 
+class CRelaxationLog;
 class TAggregatedTemporaryChessboardRegister;
 
 // Values of stopKind
@@ -80,6 +82,11 @@ struct TSearchContext {
     // The position to come back to under SH_ZUGZWANG.
     bool HasZugzwangPosition = false;
     u8 ZugzwangBoard[kSquareCount] = {};
+    // When the passes of this analysis ended, for the ladder of heuristics.
+    CRelaxationTimes relaxationTimes;
+    // Where the ladder tells its steps (heuristics/relaxation_log.h); null for nowhere. Whoever made
+    // it owns it.
+    CRelaxationLog* relaxationLog = nullptr;
     // Half-moves of the search for quicker mates; -1 for the default.
     i16 m_shLookForQuickerMateDepth = -1;
     // Highest level (half-moves) whose repetition counts; 0 switches the test off.
@@ -93,7 +100,7 @@ struct TSearchContext {
     IMaterialTables* materialTables = nullptr;
     ISearchProgress* progress = nullptr;
 
-    // Zeroes the counters of an analysis. The stop slot stays: a stop asked for before the start
+    // Zeroes the counters of an analysis and starts its time. The stop slot stays: a stop asked for before the start
     // holds.
     void ResetAnalysis();
 };

@@ -1,0 +1,42 @@
+// The log of the ladder: "TryRelaxSpecialHeuristics.log" in the program's folder, written while the
+// option TryRelaxSpecialHeuristicsLog is on. Each walk down the ladder is told by two lines, the word
+// before and the word after it:
+//
+//     "2024-03-09 17:05:00 BEFORE th=0 SH_SAVEQUEEN/ROOK QuickMode"
+//
+// Locking: one lock for the whole process, a leaf; it guards the file, which is opened for each line
+// and closed behind it. A line that cannot be written is lost silently: the log must not stop a
+// search.
+#pragma once
+
+#include "core/chessboard.h"
+#include "core/platform/local_time.h"
+
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace quillmere {
+
+class CRelaxationLog {
+public:
+    using TClock = std::function<std::tm()>;
+
+    // An empty folder: no log.
+    explicit CRelaxationLog(const std::filesystem::path& programFolder, TClock clock = LocalTime);
+
+    // The word of the node, before or after a relaxation. Never throws.
+    void Write(const TChessboard& node, bool before) noexcept;
+
+private:
+    std::string LineOf(const TChessboard& node, bool before) const;
+
+    const std::filesystem::path m_file;
+    const TClock m_clock;
+};
+
+// Writes to the log of the node's analysis (TSearchContext::relaxationLog), if it has one.
+void LogRelaxation(const TChessboard& node, bool before);
+
+}  // namespace quillmere
