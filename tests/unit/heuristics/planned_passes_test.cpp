@@ -62,14 +62,15 @@ TEST(PlannedPasses, Walk_LeavesEveryByteAsItWas) {
     settings.BlockedFigureCount = 1;
     settings.BlockedFigureSquares[0] = 55;
     root.m_trackedFigures[0] = 55;
-    root.m_captureState |= kOneColourParity1;
     settings.StrictKingMove = settings.ExtEdgeStrict = settings.SurroundedStrict = true;
     settings.RelaxationCount = 7;
     settings.FfmPreliminary = true;
-    SetHeur(root, ~u32{0});
     board.Context().relaxationTimes.Start(100);
     board.Context().relaxationTimes.Elapsed(7, 150);
     ASSERT_EQ(board.Play("h1h2"), kMoveMade);
+    root.m_captureState |= kOneColourParity1;
+    SetHeur(root, ~u32{0});
+    SetHeur(board.Node(), ~u32{0});
 
     const TChessboard keptRoot = root;
     const TChessboard keptNode = board.Node();
