@@ -27,6 +27,10 @@ constexpr const char* kPawnsAloneOffEdge = "8/3p2k1/8/8/8/8/P7/K7 w - - 0 1";
 constexpr const char* kPawnsAloneStopped = "7k/3p4/3P4/8/8/8/P7/K7 w - - 0 1";
 constexpr const char* kTwoMinorFigures = "8/p7/8/5K1k/8/8/8/NN6 w - - 0 1";
 constexpr const char* kTwoMinorFiguresFarKing = "8/p7/8/4N2k/4N3/8/8/K7 w - - 0 1";
+constexpr const char* kTwoMinorFiguresFourMen = "8/8/8/5K1k/8/8/8/NN6 w - - 0 1";
+constexpr const char* kPawnsAloneShutIn = "7k/3p3b/8/8/8/8/PP6/K7 w - - 0 1";
+constexpr const char* kBishopAgainstMore = "8/6rr/7r/3k4/8/8/PP6/KBR4R w - - 0 1";
+constexpr const char* kWalledWithTwoFlights = "kr6/8/8/8/8/8/8/K1R5 w - - 0 1";
 constexpr const char* kQueenFar = "7k/8/8/8/8/8/K7/3Q4 w - - 0 1";
 constexpr const char* kOneFlight = "7k/5K2/8/8/8/8/8/R7 w - - 0 1";
 constexpr const char* kBlockable = "r7/7p/8/3k4/8/8/8/1K5R w - - 0 1";
@@ -144,6 +148,9 @@ const TRow kRows[] = {
     {"10 two blocked figures do not rest", kOpenLoneFigure, 0x84,
      SETTINGS { Block(node, {"d1", "e1"}); s.StrictKingMove = true; }, 0x84, 1,
      CHANGE { s.StrictKingMove = false; }},
+    {"10 more white figures let it stand", kOpen, 0x84,
+     SETTINGS { Block(node, {"d1", "e1", "h8"}); s.StrictKingMove = true; }, 0x84, 1,
+     CHANGE { s.StrictKingMove = false; }},
     {"11 no longer strict", kOpenWithBishop, 0x4,
      SETTINGS { (void)node; s.StrictKingMove = true; s.AllowSwitchToSurrounded = 1; }, 0x4, 1,
      CHANGE { s.StrictKingMove = false; }},
@@ -151,6 +158,9 @@ const TRow kRows[] = {
      SETTINGS { (void)node; s.StrictKingMove = true; s.AllowSwitchToSurrounded = 2; }, 0x80000, 1,
      CHANGE { s.StrictKingMove = false; }},
     {"11 no bishop", kOpen, 0x4,
+     SETTINGS { (void)node; s.StrictKingMove = true; s.AllowSwitchToSurrounded = 2; }, 0x4, 1,
+     CHANGE { s.StrictKingMove = false; }},
+    {"11 black has more", kBishopAgainstMore, 0x4,
      SETTINGS { (void)node; s.StrictKingMove = true; s.AllowSwitchToSurrounded = 2; }, 0x4, 1,
      CHANGE { s.StrictKingMove = false; }},
     {"11 a promotion passed", kOpenWithBishop, 0x4,
@@ -196,6 +206,8 @@ const TRow kRows[] = {
     {"18 pawns alone, king off the edge", kPawnsAloneOffEdge, 0x4, Plain, 0x40, 1,
      CHANGE { s.EdgeSquaresInclCorner = true; }},
     {"18 pawns alone, black's is stopped", kPawnsAloneStopped, 0x4, Plain, 0, 0, Nothing},
+    {"18 pawns alone, white's king is shut in", kPawnsAloneShutIn, 0x4, Plain, 0, 0, Nothing},
+    {"18 two minor figures, four men", kTwoMinorFiguresFourMen, 0x4, Plain, 0, 0, Nothing},
     {"18 two minor figures", kTwoMinorFigures, 0x4, Plain, 0x80000, 1, Nothing},
     {"18 two minor figures, far king", kTwoMinorFiguresFarKing, 0x4, Plain, 0, 0, Nothing},
     {"18 a promotion passed", kQueenFar, 0x4,
@@ -224,6 +236,8 @@ const TRow kRows[] = {
     {"21 extended edge", kOpen, 0x41, Plain, 0x1, 1, Nothing},
     {"21 extended edge alone", kOpen, 0x40, Plain, 0, 0, Nothing},
     {"21 no room", kOneFlight, 0x40, Plain, 0x80000, 1, Nothing},
+    {"21 two squares are room", kTwoMinorFigures, 0x41, Plain, 0x1, 1, Nothing},
+    {"21 stuck among its own", kWalledWithTwoFlights, 0x40, Plain, 0x80000, 1, Nothing},
 };
 // clang-format on
 

@@ -49,6 +49,7 @@ TEST(RelaxationTests, WalledIn_IsAllNeighboursButOne) {
 TEST(RelaxationTests, KingMoveExceptions_SuitFourPatterns) {
     constexpr TRow kRows[] = {
         {"k1K5/8/8/8/8/8/7Q/3nn3", true},     // a lone queen
+        {"k1K5/7Q/8/8/8/8/8/3nn3", false},    // that leaves no square
         {"k1K5/8/8/8/8/8/7Q/4n3", false},     // against one figure
         {"k1K5/8/8/8/8/8/1R5Q/3nn3", false},  // not alone
         {"k7/2K5/8/8/8/8/7Q/3nn3", false},    // on no line
@@ -78,6 +79,8 @@ TEST(RelaxationTests, RookBesideKing_NeedsOneMoveAndAKingWithoutRoom) {
     constexpr TRow kRows[] = {
         // Only Rg8 ends beside the king, which has h7 alone.
         {"r6k/p7/8/8/8/2K5/8/6R1", true},
+        // Three moves of two rooks.
+        {"r6k/pr6/5P2/8/8/8/8/6BK", false},
         // The king has three squares.
         {"r6k/p7/8/8/8/2K5/8/8", false},
     };
