@@ -84,8 +84,8 @@ struct TSearchContext {
     u8 ZugzwangBoard[kSquareCount] = {};
     // When the passes of this analysis ended, for the ladder of heuristics.
     CRelaxationTimes relaxationTimes;
-    // Where the ladder tells its steps (heuristics/relaxation_log.h); null for nowhere. Whoever made
-    // it owns it.
+    // Where the ladder tells its steps (heuristics/relaxation_log.h); null for nowhere. Whoever
+    // made it owns it.
     CRelaxationLog* relaxationLog = nullptr;
     // Half-moves of the search for quicker mates; -1 for the default.
     i16 m_shLookForQuickerMateDepth = -1;
@@ -100,8 +100,8 @@ struct TSearchContext {
     IMaterialTables* materialTables = nullptr;
     ISearchProgress* progress = nullptr;
 
-    // Zeroes the counters of an analysis and starts its time. The stop slot stays: a stop asked for before the start
-    // holds.
+    // Zeroes the counters of an analysis and starts its time. The stop slot stays: a stop asked for
+    // before the start holds.
     void ResetAnalysis();
 };
 

@@ -1,9 +1,10 @@
 // Which blocked figure to let go first.
 //
-// A figure that has many squares to go to is the one whose standing still is the boldest assumption:
-// a solution most likely fails on its moves, and giving it up leaves the list strongest. So the
-// figure with the largest mobility goes, one for each relaxation. Mobility is the number of moves
-// that the figure could make in the root position if black were to move, without regard to checks.
+// A figure that has many squares to go to is the one whose standing still is the boldest
+// assumption: a solution most likely fails on its moves, and giving it up leaves the list
+// strongest. So the figure with the largest mobility goes, one for each relaxation. Mobility is the
+// number of moves that the figure could make in the root position if black were to move, without
+// regard to checks.
 #include "heuristics/blocked_list.h"
 
 #include "core/move_generation.h"

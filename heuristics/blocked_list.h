@@ -16,8 +16,8 @@ void StrikeBlockedEntry(TChessboard& node, int entry);
 // if the list is empty.
 bool StrikeFreestBlockedFigure(TChessboard& node);
 
-// Strikes the squares of PendingBlockRemovals and forgets them; squares that are not in the list are
-// passed over.
+// Strikes the squares of PendingBlockRemovals and forgets them; squares that are not in the list
+// are passed over.
 void StrikePendingFigures(TChessboard& node);
 
 // The settings had `before` in force when the node was made and lost entries since: takes the same

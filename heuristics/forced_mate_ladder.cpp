@@ -1,3 +1,13 @@
+// The rungs of the search for forced mates.
+//
+// While SH_FINDFORCEDMATE is on, all relaxation is its own: the other rules stay as they are until
+// the bit has gone. With the preliminary pass two rungs are there: the weaker edge rule first, then
+// the word as it was chosen. The modes of forcing moves have no rungs, so the bit goes behind one
+// pass.
+//
+// The rungs of the modes, when they come, may add one by the time that the passes took: what was
+// refuted in less than a second may be asked again more generously. CRelaxationTimes measures it,
+// once for all threads; what decides by it stands here.
 #include "heuristics/forced_mate_ladder.h"
 
 #include "core/thread_context.h"

@@ -8,19 +8,19 @@
 
 namespace quillmere {
 
-// Starts the pass that goes before all others with FfmPreliminary: the word is kept in FfmSavedHeur,
-// and the weaker rule of the extended edge stands in for SH_KEEPKINGONTHEEDGE and
+// Starts the pass that goes before all others with FfmPreliminary: the word is kept in
+// FfmSavedHeur, and the weaker rule of the extended edge stands in for SH_KEEPKINGONTHEEDGE and
 // SH_ASSERTBLACKKINGSURROUNDED. Does nothing without that setting, or without SH_FINDFORCEDMATE.
 void ApplyFfmPreliminary(TChessboard& node);
 
-// One relaxation while SH_FINDFORCEDMATE is on; answers as TryRelaxSpecialHeuristics. The end of the
-// preliminary pass brings the kept word back; otherwise the bit goes.
+// One relaxation while SH_FINDFORCEDMATE is on; answers as TryRelaxSpecialHeuristics. The end of
+// the preliminary pass brings the kept word back; otherwise the bit goes.
 int TryRelaxFfm(TChessboard& node);
 
-// A pass that ended so fast that one more, with a weaker rule, costs next to nothing: the analysis is
-// younger than 1000 milliseconds. Near the limit, from 800 to 1200 milliseconds, `log` is handed a
-// line that tells the decision, since the same problem may then be solved in another way on another
-// day.
+// A pass that ended so fast that one more, with a weaker rule, costs next to nothing: the analysis
+// is younger than 1000 milliseconds. Near the limit, from 800 to 1200 milliseconds, `log` is handed
+// a line that tells the decision, since the same problem may then be solved in another way on
+// another day.
 bool IsAdditionalRelaxationAccepted(u64 milliseconds,
                                     const std::function<void(const std::string& line)>& log);
 

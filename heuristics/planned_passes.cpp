@@ -1,8 +1,8 @@
 // Counting the passes by taking them off.
 //
-// Which steps the ladder takes depends on the position, so the honest way to know the plan is to walk
-// it on the very node and to undo the walk. A mate or a stop may end the passes earlier, and the time
-// that a pass takes may add one.
+// Which steps the ladder takes depends on the position, so the honest way to know the plan is to
+// walk it on the very node and to undo the walk. A mate or a stop may end the passes earlier, and
+// the time that a pass takes may add one.
 #include "heuristics/planned_passes.h"
 
 #include "core/search_context.h"

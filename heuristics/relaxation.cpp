@@ -1,10 +1,10 @@
 // The ladder of relaxations.
 //
-// A pass with heuristics ended without what was asked for. Either there is nothing to find, or one of
-// the assumptions keeps the solution out. Giving up all of them at once would throw the speed of the
-// next pass away, so they go one at a time, the most daring and the least related to the black king
-// first, the rules that hold the king itself last, each of those in favour of a weaker one. The order
-// is fixed: it is part of what the program means by "the same settings".
+// A pass with heuristics ended without what was asked for. Either there is nothing to find, or one
+// of the assumptions keeps the solution out. Giving up all of them at once would throw the speed of
+// the next pass away, so they go one at a time, the most daring and the least related to the black
+// king first, the rules that hold the king itself last, each of those in favour of a weaker one.
+// The order is fixed: it is part of what the program means by "the same settings".
 //
 // Nothing is left out here. A step that gives up the wrong assumption costs a pass; when no step is
 // left, the word is 0 and the pass without heuristics tells the truth. The ladder ends, since every
@@ -84,8 +84,8 @@ TAnswer StrikeMarkedFigures(TChessboard& node) {
     return Settle(node);
 }
 
-// Steps 9 and 13 share this. The key figure comes back once more, in the place of the block, when both
-// stood beside a king that must not move.
+// Steps 9 and 13 share this. The key figure comes back once more, in the place of the block, when
+// both stood beside a king that must not move.
 TAnswer DropKeyFigure(TChessboard& node) {
     if (!IsOn(node, SH_KEYWHITEFIGURE))
         return std::nullopt;

@@ -1,12 +1,12 @@
 // The log of the ladder: "TryRelaxSpecialHeuristics.log" in the program's folder, written while the
-// option TryRelaxSpecialHeuristicsLog is on. Each walk down the ladder is told by two lines, the word
-// before and the word after it:
+// option TryRelaxSpecialHeuristicsLog is on. Each walk down the ladder is told by two lines, the
+// word before and the word after it:
 //
 //     "2024-03-09 17:05:00 BEFORE th=0 SH_SAVEQUEEN/ROOK QuickMode"
 //
-// Locking: one lock for the whole process, a leaf; it guards the file, which is opened for each line
-// and closed behind it. A line that cannot be written is lost silently: the log must not stop a
-// search.
+// Locking: one lock for the whole process, a leaf; it guards the file, which is opened for each
+// line and closed behind it. A line that cannot be written is lost silently: the log must not stop
+// a search.
 #pragma once
 
 #include "core/chessboard.h"

@@ -52,7 +52,7 @@ public:
         MakeBlackMoveLegal(m_child, reply);
     }
     bool IsCheck() const { return m_child.m_whiteInCheck != kNotInCheck; }
-    // White cannot take what moved; it counts as taken too where only a pinned figure looks at it.
+    // White does not look at the square that was moved to, be it with a pinned figure.
     bool IsSafe(TMove reply) const { return !IsAttackedByWhite(m_child, reply.to); }
 
 private:

@@ -1,6 +1,6 @@
-// The ladder ends from wherever it is entered, never walks on the spot, and adds nothing that no step
-// adds; the dry run leaves no trace. Words, settings and positions are drawn at random, sound ones and
-// senseless ones.
+// The ladder ends from wherever it is entered, never walks on the spot, and adds nothing that no
+// step adds; the dry run leaves no trace. Words, settings and positions are drawn at random, sound
+// ones and senseless ones.
 #include "core/search_context.h"
 #include "core/thread_context.h"
 #include "heuristics/heur_params.h"
