@@ -72,7 +72,7 @@ struct TSearchContext {
     std::atomic<bool> isNodeLimitReached{false};
 
     // A search in pass 1 is taken as complete: safe mode, or quick mode off.
-    bool isExact = false;
+    std::atomic<bool> isExact{false};
 
     // Parameters of heuristics that all threads share (core/heuristics.h has the others)
     u8 KeyDiagonalSquares[2] = {kNoSquare, kNoSquare};  // the bits 0xc0 mean none
@@ -87,6 +87,10 @@ struct TSearchContext {
     // Where the ladder tells its steps (heuristics/relaxation_log.h); null for nowhere. Whoever
     // made it owns it.
     CRelaxationLog* relaxationLog = nullptr;
+    // Heuristics that the word of a request must hold; else nothing is searched.
+    u32 requiredHeuristics = 0;
+    // The task was turned round for a black mate, so that texts tell squares the other way up.
+    bool areColoursSwapped = false;
     // Half-moves of the search for quicker mates; -1 for the default.
     i16 m_shLookForQuickerMateDepth = -1;
     // Highest level (half-moves) whose repetition counts; 0 switches the test off.

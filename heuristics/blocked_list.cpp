@@ -38,6 +38,15 @@ bool IsListed(const THeuristicSettings& settings, u8 square) {
 
 }  // namespace
 
+void TrackBlockedFigures(TChessboard& root) {
+    const THeuristicSettings& settings = root.m_threadContext->heuristics;
+    for (int entry = 0; entry < kMaxBlockedFigures; ++entry) {
+        const u8 square = settings.BlockedFigureSquares[entry];
+        const bool isUsed = entry < settings.BlockedFigureCount && square < kSquareCount;
+        root.m_trackedFigures[entry] = isUsed ? static_cast<i8>(square) : i8{-1};
+    }
+}
+
 void StrikeBlockedEntry(TChessboard& node, int entry) {
     THeuristicSettings& settings = node.m_threadContext->heuristics;
     assert(entry >= 0 && entry < settings.BlockedFigureCount);

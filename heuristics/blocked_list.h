@@ -9,6 +9,9 @@
 
 namespace quillmere {
 
+// The node, a root, follows the list of the settings: the figures are where it says.
+void TrackBlockedFigures(TChessboard& root);
+
 // Strikes one entry, 0 .. BlockedFigureCount - 1; the entries behind it move up.
 void StrikeBlockedEntry(TChessboard& node, int entry);
 

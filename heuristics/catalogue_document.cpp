@@ -8,38 +8,46 @@ namespace quillmere {
 namespace {
 
 constexpr const char* kHead =
-    R"doc(<!-- Made by quillmere_generate_docs from heuristics/catalogue.def. Do not edit. -->
-# Heuristics
-
-A heuristic is an assumption about what the solution of a composition looks like. While it is on, a
-line that breaks the assumption is not searched further. So a pass with heuristics may find a mate
-quickly, and a mate that it finds is a mate; but "no mate" is proved by a pass without them only.
-
-In texts a choice of heuristics is a list of names, parted by commas, with parameters in brackets:
-
-    SH_KEEPKINGONTHEEDGE(STRICT,C2f,A,D3,M5), SH_FINDFORCEDMATE(#2-Preliminary)
-
-- Names and parameters may be written in capital or small letters, with blanks between them.
-- `SH_DONTLETKINGMOVE` is `SH_KEEPKINGONTHEEDGE(STRICT)`, and `SH_DONTLETKINGMOVE(excptns)` is
-  `SH_KEEPKINGONTHEEDGE(ALMOST_STRICT)`. Their label is "Don't let bl.king move (unless immed.mate)",
-  with "allow exc" for the latter;
-that of `SH_KEEPKINGWITHINEXTEDGE(strict)` is "Don't let bl.king"
-                                              "move unless on the edge".- `QuickMode` behind the
-    list says that the pass takes positions after a repetition as settled;
-`(CannotApplyDLFUDynamically)` that the program must
-        not apply `SH_DONTLETFIGUREUNBLOCK` on its own.-
-        Both edge rules share `incl.corner` and
-    their relaxations : `C2` from 2 black men captured more than white men,
-    pawns included;
-`C2f` the same without pawns;
-`A` on an advanced white pawn;
-`D3,M5` the
-  test is put off by 3 moves, and falls due below 5 half-moves. Relaxations that only
-  `SH_KEEPKINGWITHINEXTEDGE` names are for it alone.
-
-| Name | Bit | Label | Parameters | Assumption |
-|---|---|---|---|---|
-)doc";
+    "<!-- Made by quillmere_generate_docs from heuristics/catalogue.def. Do not edit. -->\n"
+    "# Heuristics\n"
+    "\n"
+    "A heuristic is an assumption about what the solution of a composition looks like. While it is "
+    "on, a\n"
+    "line that breaks the assumption is not searched further. So a pass with heuristics may find a "
+    "mate\n"
+    "quickly, and a mate that it finds is a mate; but \"no mate\" is proved by a pass without them "
+    "only.\n"
+    "\n"
+    "In texts a choice of heuristics is a list of names, parted by commas, with parameters in "
+    "brackets:\n"
+    "\n"
+    "    SH_KEEPKINGONTHEEDGE(STRICT,C2f,A,D3,M5), SH_FINDFORCEDMATE(#2-Preliminary)\n"
+    "\n"
+    "- Names and parameters may be written in capital or small letters, with blanks between them. "
+    "Squares\n"
+    "  are those of the board as it was given.\n"
+    "- `SH_DONTLETKINGMOVE` is `SH_KEEPKINGONTHEEDGE(STRICT)`, and `SH_DONTLETKINGMOVE(excptns)` "
+    "is\n"
+    "  `SH_KEEPKINGONTHEEDGE(ALMOST_STRICT)`. Their label is \"Don't let bl.king move (unless "
+    "immed.mate)\",\n"
+    "  with \"allow exc\" for the latter; that of `SH_KEEPKINGWITHINEXTEDGE(strict)` is \"Don't "
+    "let bl.king\"\n"
+    "  \"move unless on the edge\".\n"
+    "- `QuickMode` behind the list says that the pass is an ordinary one with heuristics, not one "
+    "in safe\n"
+    "  mode, which takes nothing for settled while a heuristic is on. "
+    "`(CannotApplyDLFUDynamically)` says\n"
+    "  that the program must not apply `SH_DONTLETFIGUREUNBLOCK` on its own.\n"
+    "- Both edge rules share `incl.corner` and their relaxations: `C2` lets the king go once black "
+    "has lost\n"
+    "  two men more than white since the start, pawns included, `C2f` two figures more; `A` once a "
+    "white\n"
+    "  pawn is far advanced; `D3,M5` puts the test off by 3 moves, so that it falls due below 5 "
+    "half-moves.\n"
+    "  Relaxations that only `SH_KEEPKINGWITHINEXTEDGE` names are for it alone.\n"
+    "\n"
+    "| Name | Bit | Label | Parameters | Assumption |\n"
+    "|---|---|---|---|---|\n";
 
 const char* ParametersOf(EHeuristicParameters parameters) {
     using enum EHeuristicParameters;

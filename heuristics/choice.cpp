@@ -2,6 +2,7 @@
 
 #include "core/search_context.h"
 #include "core/thread_context.h"
+#include "heuristics/blocked_list.h"
 #include "heuristics/heur_params.h"
 
 #include <algorithm>
@@ -10,15 +11,6 @@
 namespace quillmere {
 namespace {
 
-// The figures are where the list says: this is a root.
-void TrackBlockedFigures(TChessboard& node, const THeuristicSettings& settings) {
-    for (int i = 0; i < kMaxBlockedFigures; ++i) {
-        const u8 square = settings.BlockedFigureSquares[i];
-        const bool isUsed = i < settings.BlockedFigureCount && square < kSquareCount;
-        node.m_trackedFigures[i] = isUsed ? static_cast<i8>(square) : i8{-1};
-    }
-}
-
 bool IsSameList(const THeuristicSettings& a, const THeuristicSettings& b) {
     return a.BlockedFigureCount == b.BlockedFigureCount &&
            std::equal(std::begin(a.BlockedFigureSquares),
@@ -26,7 +18,33 @@ bool IsSameList(const THeuristicSettings& a, const THeuristicSettings& b) {
                       std::begin(b.BlockedFigureSquares));
 }
 
+// Between the squares of the user and those of the board, in both directions.
+void TurnSquares(THeuristicChoice& choice) {
+    THeuristicSettings& s = choice.settings;
+    const auto turn = [&choice](u8& square) { square = TurnedSquare(choice, square); };
+    std::ranges::for_each(s.ZugzwangTriangleSquares, turn);
+    std::ranges::for_each(s.BlockedFigureSquares, turn);
+    std::ranges::for_each(s.BlockedFigureInitialSquares, turn);
+    std::for_each(
+        s.PendingBlockRemovals, s.PendingBlockRemovals + s.PendingBlockRemovalCount, turn);
+    for (u8* square : {&s.KeySquare,
+                       &s.KeyWhiteFigureSquare,
+                       &s.KeyWhiteFigurePinned,
+                       &s.SeaSnakePendulum1,
+                       &s.SeaSnakePendulum2,
+                       &s.SeaSnakeApproach,
+                       &s.SeaSnakeTurnBack,
+                       &s.BlackFigureOnDiagonal})
+        turn(*square);
+    std::ranges::for_each(choice.KeyDiagonalSquares, turn);
+}
+
 }  // namespace
+
+u8 TurnedSquare(const THeuristicChoice& choice, u8 square) {
+    constexpr u8 kTurn = 56;
+    return choice.areColoursSwapped && square < kSquareCount ? square ^ kTurn : square;
+}
 
 THeuristicChoice ChoiceOf(const TChessboard& node) {
     THeuristicChoice choice;
@@ -39,16 +57,21 @@ THeuristicChoice ChoiceOf(const TChessboard& node) {
         std::ranges::copy(context.KeyDiagonalSquares, choice.KeyDiagonalSquares);
         choice.KeyLineFile = context.KeyLineFile;
         choice.onlyAfterCount = context.SeaSnakeOnlyAfter.size();
+        choice.areColoursSwapped = context.areColoursSwapped;
     }
+    TurnSquares(choice);
     return choice;
 }
 
-void StoreChoice(TChessboard& node, const THeuristicChoice& choice) {
+void StoreChoice(TChessboard& node, const THeuristicChoice& given) {
     assert(node.m_threadContext != nullptr && node.m_searchContext != nullptr);
+    THeuristicChoice choice = given;
+    TurnSquares(choice);
     TSearchContext& context = *node.m_searchContext;
-    if (!IsSameList(node.m_threadContext->heuristics, choice.settings))
-        TrackBlockedFigures(node, choice.settings);
+    const bool isSameList = IsSameList(node.m_threadContext->heuristics, choice.settings);
     node.m_threadContext->heuristics = choice.settings;
+    if (!isSameList)
+        TrackBlockedFigures(node);
     std::ranges::copy(choice.KeyDiagonalSquares, context.KeyDiagonalSquares);
     context.KeyLineFile = choice.KeyLineFile;
     node.m_captureState =

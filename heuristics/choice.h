@@ -13,6 +13,9 @@ namespace quillmere {
 
 struct THeuristicChoice {
     u32 heur = 0;
+    // The task was turned round for a black mate: the squares here are those of the user, the other
+    // way up than on the board.
+    bool areColoursSwapped = false;
     u8 OneColorMode = kOneColourOff;
     THeuristicSettings settings;
 
@@ -22,6 +25,8 @@ struct THeuristicChoice {
     std::size_t onlyAfterCount = 0;  // moves of SeaSnakeOnlyAfter; never written back
 };
 
+// A square of the choice on the board, and the other way round; kNoSquare stays.
+u8 TurnedSquare(const THeuristicChoice& choice, u8 square);
 // The choice of the node; defaults for what it has no thread or search context for.
 THeuristicChoice ChoiceOf(const TChessboard& node);
 

@@ -401,7 +401,9 @@ void CParameterReader::ReadWord(const std::string& word, int index) {
         break;
     case kKeyWhiteFigure:
         settings.KeyWhiteFigureSquare = SquareOf(word);
-        settings.KeyWhiteFigurePinned = PinnedByKeyFigure(m_node, settings.KeyWhiteFigureSquare);
+        settings.KeyWhiteFigurePinned = TurnedSquare(
+            m_choice,
+            PinnedByKeyFigure(m_node, TurnedSquare(m_choice, settings.KeyWhiteFigureSquare)));
         break;
     case kNearCorner:
         return ReadNearCorner(word);

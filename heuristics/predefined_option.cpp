@@ -50,7 +50,7 @@ std::vector<u8> ReadSquares(std::string_view text) {
 void BlockFigures(const TChessboard& node, std::string_view text, THeuristicChoice& choice) {
     std::vector<u8> squares = ReadSquares(text);
     std::stable_partition(squares.begin(), squares.end(), [&](u8 square) {
-        return node.m_board[square] == kBlackPawn;
+        return node.m_board[TurnedSquare(choice, square)] == kBlackPawn;
     });
     for (const u8 square : squares)
         AddBlockedFigure(choice.settings, square);
