@@ -109,7 +109,7 @@ TRow SolveRecord(CConsole& console,
     CTaskLog log(settings.wantsLog, settings.programFolder, number);
     TTaskRequest request = settings.request;
     request.solved = &solved;
-    request.movesLog = log.Log();
+    request.movesLogs = log.Logs();
     row.outcome = RunTask(record.task, request, progress);
     log.Tell(console);
     if (settings.wantsShortest && row.outcome.result.verdict == ESolveVerdict::kProvedMate) {
@@ -117,7 +117,7 @@ TRow SolveRecord(CConsole& console,
             row.shorter = ESolveVerdict::kProvedNoMate;
         } else {
             const TTask task = MakeTask(record.task.position, record.task.halfMoves - 2);
-            request.movesLog = nullptr;
+            request.movesLogs.clear();
             request.wantAllKeys = false;
             request.wantMainLine = false;
             const TTaskOutcome outcome = RunTask(task, request, progress);

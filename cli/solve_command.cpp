@@ -117,7 +117,7 @@ EExitCode RunSolve(const TCommandCall& call) {
             hasNoted = true;
         }
         CTaskLog log(wantsLog, programFolder, ++number);
-        request.movesLog = log.Log();
+        request.movesLogs = log.Logs();
         const TTaskOutcome outcome = RunTask(task, request, ShowProgress(console, task));
         log.Tell(console);
         if (arguments.Has("--json")) {

@@ -6,7 +6,9 @@
 #include "core/fen.h"
 #include "core/platform/interrupt.h"
 #include "core/platform/thread.h"
+#include "core/platform/tick_count.h"
 #include "core/thread_context.h"
+#include "search/progress_line.h"
 
 #include <atomic>
 #include <chrono>
@@ -53,17 +55,62 @@ private:
     std::atomic<bool> m_isAfterKeys{false};
 };
 
+// The line of the search that was looked at last. A searching thread writes it a few times a second;
+// one that finds another at it goes on without.
+class CLineKeeper : public ISearchProgress {
+public:
+    explicit CLineKeeper(const CProgressRecord& record) : m_record(record) {}
+
+    void OnPeriodicCheck(const TChessboard& node) override {
+        const u64 now = TickCount();
+        if (now < m_next.load(std::memory_order_relaxed))
+            return;
+        const std::unique_lock lock(m_mutex, std::try_to_lock);
+        if (!lock.owns_lock())
+            return;
+        m_next.store(now + kMilliseconds, std::memory_order_relaxed);
+        const TTaskProgress progress = m_record.Read();
+        TProgressFigures figures;
+        figures.movesDone = std::max(progress.number - 1, 0);
+        figures.moveCount = progress.count;
+        figures.nodes = node.m_searchContext->nodeCount.load(std::memory_order_relaxed);
+        if (node.m_searchContext->tempRegister != nullptr) {
+            figures.registerSize = node.m_searchContext->tempRegister->GetElementsIn();
+            figures.registerDelta = i64{figures.registerSize} - m_lastSize;
+            m_lastSize = figures.registerSize;
+        }
+        m_line = ProgressLine(node, figures);
+    }
+
+    std::string Line() const {
+        const std::lock_guard lock(m_mutex);
+        return m_line;
+    }
+
+private:
+    static constexpr u64 kMilliseconds = 200;
+
+    const CProgressRecord& m_record;
+    std::atomic<u64> m_next{0};
+    // Locking: guards the two below; a leaf.
+    mutable std::mutex m_mutex;
+    std::string m_line;
+    i64 m_lastSize = 0;
+};
+
 // Looks at the clock and at Ctrl-C while the search runs, and stops it.
 class CWatcher {
 public:
     CWatcher(TSearchContext& context,
              const CProgressRecord& record,
+             const CLineKeeper& lines,
              const TAggregatedTemporaryChessboardRegister* solved,
              bool isSwapped,
              double seconds,
              const TProgressCallback& progress)
         : m_context(context),
           m_record(record),
+          m_lines(lines),
           m_solved(solved),
           m_isSwapped(isSwapped),
           m_seconds(seconds),
@@ -114,8 +161,11 @@ private:
 
     void Tell(u64 elapsed) const {
         TTaskProgress progress = m_record.Read();
+        // The line is in the squares of the search.
         if (m_isSwapped)
             progress.move = SwapMove(progress.move);
+        else
+            progress.line = m_lines.Line();
         progress.nodes = m_context.nodeCount.load(std::memory_order_relaxed);
         progress.milliseconds = elapsed;
         if (m_solved != nullptr)
@@ -125,6 +175,7 @@ private:
 
     TSearchContext& m_context;
     const CProgressRecord& m_record;
+    const CLineKeeper& m_lines;
     const TAggregatedTemporaryChessboardRegister* m_solved;  // null for none
     bool m_isSwapped;
     double m_seconds;
@@ -137,6 +188,13 @@ private:
     bool m_isDone = false;
     std::thread m_thread;  // last: it uses all of the above
 };
+
+// The search was stopped by the clock, which is a limit; it only knows of a stop.
+void TellLimit(TSolveResult& result) {
+    result.verdict = ESolveVerdict::kLimit;
+    if (!result.passes.empty())
+        result.passes.back().verdict = ESolveVerdict::kLimit;
+}
 
 void SwapResult(TSolveResult& result) {
     for (std::vector<TMove>* moves :
@@ -189,23 +247,30 @@ RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback&
     solve.wantTries = request.wantTries;
     solve.wantMainLine = request.wantMainLine;
     solve.nodeLimit = request.nodes;
-    solve.movesLog = request.movesLog;
+    solve.movesLogs = request.movesLogs;
     solve.clearRegister = request.clearRegister;
+    solve.threads = request.threads;
+    solve.heuristics = request.heuristics;
 
     TTaskOutcome outcome;
     TSearchContext context;
     CProgressRecord record;
+    CLineKeeper lines(record);
+    if (progress)
+        context.progress = &lines;
     TAggregatedTemporaryChessboardRegister* solved =
         request.solved == nullptr ? nullptr : request.solved->ForHalfMoves(task.halfMoves);
     context.tempRegister = solved;
+    context.relaxationLog = request.relaxationLog;
     {
-        const CWatcher watcher(context, record, solved, task.isSwapped, request.seconds, progress);
+        const CWatcher watcher(
+            context, record, lines, solved, task.isSwapped, request.seconds, progress);
         RunOnThreadWithStack(SolveStackBytes(task.halfMoves),
                              [&] { outcome.result = Solve(task.board, solve, context, &record); });
         outcome.milliseconds = MillisecondsSince(watcher.Start());
         if (outcome.result.verdict == ESolveVerdict::kStopped && !WasInterrupted() &&
             watcher.IsTimeUp())
-            outcome.result.verdict = ESolveVerdict::kLimit;
+            TellLimit(outcome.result);
     }
     outcome.isInterrupted = WasInterrupted();
     outcome.wereAllAsked = request.wantAllKeys || request.wantTries;

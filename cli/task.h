@@ -6,6 +6,7 @@
 #include "cli/task_register.h"
 #include "core/chessboard.h"
 #include "core/fen_check.h"
+#include "heuristics/relaxation_log.h"
 #include "search/moves_log.h"
 #include "search/solve.h"
 
@@ -63,9 +64,15 @@ struct TTaskRequest {
     CTaskRegister* solved = nullptr;
     // Empty the register first; else what earlier tasks found is used, and the answers are the same.
     bool clearRegister = true;
-    // Of the search for keys; not owned, null for none. Its moves are those of the search: with
-    // colours swapped if black mates.
-    CMovesLog* movesLog = nullptr;
+    // Threads over the first moves, 1 to 64. With one the work is the same in every run.
+    int threads = 1;
+    // The word of heuristics; not owned, null for none.
+    const TChessboard* heuristics = nullptr;
+    // Where the relaxations are told; not owned, null for nowhere.
+    CRelaxationLog* relaxationLog = nullptr;
+    // Of the search for keys, one for each thread; not owned. Their moves are those of the search:
+    // with colours swapped if black mates.
+    std::vector<CMovesLog*> movesLogs = {};
 };
 
 struct TTaskOutcome {
@@ -79,8 +86,9 @@ struct TTaskOutcome {
 };
 
 struct TTaskProgress {
-    TMove move = {};  // in the user's squares
-    int number = 0;   // of the first move, from 1; 0 before the first
+    std::string line;  // of the search itself, as it told last; empty before it did
+    TMove move = {};   // in the user's squares
+    int number = 0;    // of the first move, from 1; 0 before the first
     int count = 0;
     bool isAfterKeys = false;
     u64 nodes = 0;

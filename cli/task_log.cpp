@@ -17,13 +17,24 @@ bool WantsTaskLog(const TArguments& arguments, const std::filesystem::path& prog
     return true;
 }
 
-CTaskLog::CTaskLog(bool isWanted, const std::filesystem::path& programFolder, int problemNumber) {
-    constexpr int kOnlyThread = 0;
-    if (isWanted)
-        m_log.emplace(MovesLogFile(programFolder, problemNumber, kOnlyThread), *this);
+CTaskLog::CTaskLog(bool isWanted,
+                   const std::filesystem::path& programFolder,
+                   int problemNumber,
+                   int threads) {
+    for (int thread = 0; isWanted && thread < threads; ++thread)
+        m_logs.push_back(
+            std::make_unique<CMovesLog>(MovesLogFile(programFolder, problemNumber, thread), *this));
+}
+
+std::vector<CMovesLog*> CTaskLog::Logs() {
+    std::vector<CMovesLog*> logs;
+    for (const auto& log : m_logs)
+        logs.push_back(log.get());
+    return logs;
 }
 
 void CTaskLog::Warn(EMessage /*title*/, EMessage text, const std::vector<std::string>& values) {
+    const std::lock_guard lock(m_mutex);
     m_warnings.emplace_back(text, values);
 }
 

@@ -104,8 +104,9 @@ struct TThreadContext {
     // Room for the replies that a node with three half-moves left filters its moves by; such nodes
     // never lie below each other.
     std::array<CReplyFilter, 6> replyFilters;
-    // Nodes not yet added to the shared counter.
+    // Nodes not yet added to the shared counter, and those that were.
     u32 pendingNodes = 0;
+    u64 flushedNodes = 0;
 
     // Black's promotion and white's mate: set when white answered a queen promotion with an
     // immediate mate that does not capture on the promotion square.

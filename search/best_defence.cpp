@@ -5,6 +5,7 @@
 #include "core/make_move.h"
 #include "core/move_generation.h"
 #include "core/thread_context.h"
+#include "heuristics/rules.h"
 #include "search/mate_search.h"
 #include "search/pause.h"
 #include "search/register_access.h"
@@ -125,6 +126,7 @@ private:
         case kMateImpossible:
             return EFate::kDecides;
         case kMoveMade:
+            UpdateAfterBlackMove(child);
             return isMated(child) ? EFate::kLost : EFate::kHolds;
         default:
             return EFate::kHolds;

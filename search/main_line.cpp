@@ -3,6 +3,7 @@
 #include "core/legality.h"
 #include "core/make_move.h"
 #include "core/thread_context.h"
+#include "heuristics/rules.h"
 #include "search/best_defence.h"
 #include "search/mate_search.h"
 #include "search/pause.h"
@@ -12,12 +13,21 @@
 namespace quillmere {
 namespace {
 
-// A move of the search, made on a copy that has `parent` as its parent.
+// A move of the search, made on a copy that has `parent` as its parent. The word of heuristics
+// follows as it does in the nodes, so that what they found is found again.
 bool MakeSearchMove(TChessboard& child, TChessboard& parent, TMove move) {
     child = parent;
     child.m_parent = &parent;
-    return (parent.IsWhiteToMove() ? MakeWhiteMove(child, move)
-                                   : MakeBlackMove(child, move, false)) == kMoveMade;
+    if (parent.IsWhiteToMove()) {
+        if (MakeWhiteMove(child, move) != kMoveMade)
+            return false;
+        UpdateAfterWhiteMove(child);
+        return true;
+    }
+    if (MakeBlackMove(child, move, false) != kMoveMade)
+        return false;
+    UpdateAfterBlackMove(child);
+    return true;
 }
 
 // The first move that mates within the node's half-moves.

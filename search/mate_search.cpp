@@ -248,6 +248,7 @@ void FlushNodeCount(const TChessboard& node) {
     TSearchContext& context = *node.m_searchContext;
     const u64 total = context.nodeCount.fetch_add(thread.pendingNodes, std::memory_order_relaxed) +
                       thread.pendingNodes;
+    thread.flushedNodes += thread.pendingNodes;
     thread.pendingNodes = 0;
     if (context.nodeLimit != 0 && total >= context.nodeLimit &&
         !context.isNodeLimitReached.exchange(true, std::memory_order_relaxed))

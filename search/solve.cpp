@@ -2,16 +2,24 @@
 
 #include "core/legality.h"
 #include "core/make_move.h"
+#include "core/platform/system_info.h"
 #include "core/thread_context.h"
+#include "heuristics/blocked_list.h"
+#include "heuristics/forced_mate_ladder.h"
+#include "heuristics/heur_params.h"
+#include "heuristics/rules.h"
 #include "registers/aggregated_register.h"
 #include "search/best_defence.h"
+#include "search/first_moves.h"
 #include "search/main_line.h"
 #include "search/mate_search.h"
 #include "search/move_ordering.h"
 #include "search/moves_log.h"
 #include "search/pause.h"
 #include "search/register_access.h"
+#include "search/root.h"
 #include "search/sort_indication.h"
+#include "search/wished_threads.h"
 
 #include <algorithm>
 #include <cassert>
@@ -46,6 +54,7 @@ public:
         SetupAnalysisRoot(m_root, request.halfMoves, true);
         m_thread.rootNode = &m_root;
         m_thread.moveMemory = m_memory.get();
+        m_thread.computeHeurParams = ComputeHeurParams;
         context.nodeLimit = request.nodeLimit;
         PrepareRegister();
     }
@@ -53,45 +62,28 @@ public:
     TSolveResult Run() {
         m_firstMoves.count = GetLegalMoves(m_root, m_firstMoves.moves);
         SortFirstMoves();
-        m_thread.movesLog = m_request.movesLog;
-        m_result.verdict = SearchFirstMoves();
-        m_thread.movesLog = nullptr;
-        m_result.isComplete = !IsStopped(m_root);
+        if (m_request.heuristics != nullptr)
+            TakeHeuristics(m_root, *m_request.heuristics);
+        PlanPasses();
+        m_result.wishedThreads = FindWishedThreads();
+        if (m_result.wishedThreads > 0) {
+            m_result.verdict = ESolveVerdict::kStopped;
+            return m_result;
+        }
+        ApplyFfmPreliminary(m_root);
+        SearchFirstMoves();
         m_observer.OnAfterKeys();
         if (m_request.wantTries && m_root.IsWhiteToMove() && !IsStopped(m_root))
-            m_result.isComplete = FindTries();
-        if (m_request.wantMainLine && m_result.verdict == ESolveVerdict::kProvedMate &&
-            !IsStopped(m_root)) {
-            const bool hasKey = m_root.IsWhiteToMove();
-            m_result.mainLine = FindMainLine(m_root, hasKey ? &m_result.keys.front() : nullptr);
-        }
+            m_result.isComplete &= FindTries();
         if (m_request.wantMainLine)
-            FindBestDefences();
+            FindLines();
         FlushNodeCount(m_root);
         m_result.nodes = m_context.nodeCount.load(std::memory_order_relaxed);
-        m_result.madeMoves = m_thread.madeMoves;
+        m_result.madeMoves += m_thread.madeMoves;
         return m_result;
     }
 
 private:
-    // The verdict of one first move: of white's move, or of black's defence. Every repetition lies
-    // inside its tree and is resolved there, since the root counts as no earlier position.
-    TVerdict SearchFirstMove(TMove move) {
-        TChessboard& child = m_thread.ChildSlot(m_root.m_nMoves);
-        child = m_root;
-        child.m_parent = &m_root;
-        const bool isWhite = m_root.IsWhiteToMove();
-        const int made = isWhite ? MakeWhiteMove(child, move) : MakeBlackMove(child, move, false);
-        if (made != kMoveMade)
-            return kNoMate;  // the list is legal, so white has no mating material left
-        LogMove(child, move, !isWhite);
-        const TVerdict verdict = isWhite ? CheckDefences(child) : FindMate(child, true);
-        assert(verdict != kRepetition);
-        if (!IsStopped(m_root))
-            LogResult(child, verdict);
-        return verdict;
-    }
-
     // The one place where the register is cleared. A task too short for it leaves it alone.
     void PrepareRegister() {
         TAggregatedTemporaryChessboardRegister* store = m_context.tempRegister;
@@ -109,66 +101,107 @@ private:
             return;
         // The list is legal, so nothing is dropped; a mate in one is only another key.
         int mateFound = 0;
-        u8 quietCount = 0;
         u8 retry = 0;
-        SortWhiteMoves(
-            m_root, m_firstMoves.count, m_firstMoves.moves, &mateFound, &quietCount, false, &retry);
+        SortWhiteMoves(m_root,
+                       m_firstMoves.count,
+                       m_firstMoves.moves,
+                       &mateFound,
+                       &m_quietCount,
+                       false,
+                       &retry);
         for (TMove& move : m_firstMoves)
             move.enPassant = 0;  // the key of the sort
         if (m_request.sortIndications != nullptr)
             ApplySortIndications(m_root, m_firstMoves, *m_request.sortIndications);
     }
 
-    // Puts moves of the root into the order of generation.
-    void SortAsListed(std::vector<TMove>& moves) const {
-        const auto place = [this](TMove move) {
-            return std::find_if(m_listedMoves.begin(), m_listedMoves.end(), [move](TMove listed) {
-                return MovesEqual(listed, move);
-            });
-        };
-        std::sort(
-            moves.begin(), moves.end(), [&place](TMove a, TMove b) { return place(a) < place(b); });
+    int PlaceInList(TMove move) const {
+        const auto place = std::find_if(m_listedMoves.begin(),
+                                        m_listedMoves.end(),
+                                        [move](TMove listed) { return MovesEqual(listed, move); });
+        return static_cast<int>(place - m_listedMoves.begin());
     }
 
-    bool IsEnough() const {
-        const bool isFound = !m_result.keys.empty() || !m_result.defences.empty();
-        return isFound && !m_request.wantAllKeys && !m_request.wantTries;
-    }
-
-    ESolveVerdict SearchFirstMoves() {
-        const bool isWhite = m_root.IsWhiteToMove();
-        std::vector<TMove>& found = isWhite ? m_result.keys : m_result.defences;
-        const TVerdict sought = isWhite ? kMate : kNoMate;
-        bool isDoubtful = false;
-        TListState place{m_firstMoves.moves, m_firstMoves.count, 0};
-        for (; place.index < m_firstMoves.count && !IsEnough(); ++place.index) {
-            const EPause pause = CheckPause(m_root, place);
-            isDoubtful |= pause == EPause::kSkip;
-            if (pause != EPause::kRun)
-                break;
-            const TMove move = m_firstMoves[place.index];
-            m_observer.OnFirstMove(move, place.index + 1, m_firstMoves.count);
-            const TVerdict verdict = SearchFirstMove(move);
-            if (IsStopped(m_root))
-                break;
-            if (verdict == sought) {
-                found.push_back(move);
-                m_observer.OnKey(move);
-            }
-            isDoubtful |= verdict < 0;
+    void PlanPasses() {
+        const THeuristicSettings& settings = m_thread.heuristics;
+        if (m_root.Heur != 0) {
+            m_root.m_pass = kPassHeuristics;
+            m_result.plannedPasses = PlannedPath(m_root);
+            m_root.m_pass = kPassComplete;
         }
-        SortAsListed(found);
-        return VerdictOf(isWhite, !found.empty(), isDoubtful);
+        if (settings.RunPassWithoutHeuristics)
+            m_result.plannedPasses.push_back(TPlannedPass{"", false});
+        m_result.isFinalPassOff = !settings.RunPassWithoutHeuristics;
     }
 
-    ESolveVerdict VerdictOf(bool isWhite, bool isFound, bool isDoubtful) const {
+    int FindWishedThreads() {
+        if (!m_request.mayAskForThreads || !m_root.IsWhiteToMove())
+            return 0;
+        return WishedThreads(AskForThreads(m_root,
+                                           m_firstMoves,
+                                           m_quietCount,
+                                           m_request.threads,
+                                           ReadSystemInfo().logicalProcessors));
+    }
+
+    // Solutions after which the work ends; 0 for all.
+    int WantedSolutions() const {
+        if (m_request.wantTries)
+            return 0;
+        return m_request.wantAllKeys ? m_request.stopAfterKeys : 1;
+    }
+
+    void SearchFirstMoves() {
+        const bool isWhite = m_root.IsWhiteToMove();
+        CFirstMoves moves(m_firstMoves, {isWhite, WantedSolutions()}, m_observer);
+        TRootRequest request;
+        request.startsAtPassOne = m_request.clearRegister;
+        request.stopsRelaxingOnFirstSolution = m_request.stopsRelaxingOnFirstSolution;
+        request.movesLogs = m_request.movesLogs;
+        TRootWork work;
+        const TRootResult ended = FindMateThreaded(m_root, moves, request, m_request.threads, work);
+        m_result.threads = ended.threads;
+        m_result.isMaskFailed = ended.isMaskFailed;
+        m_result.madeMoves = work.madeMoves;
+        if (ended.isStopped)
+            m_thread.stopLevel.store(kThreadStops, std::memory_order_relaxed);
+        TakeDecisions(moves);
+        m_result.isComplete = moves.IsDone();
+    }
+
+    // Solutions come in the order of generation, each with its pass; then the verdict.
+    void TakeDecisions(const CFirstMoves& moves) {
+        const bool isWhite = m_root.IsWhiteToMove();
+        bool areAllDecided = true;
+        std::vector<CFirstMoves::TDecision> decisions = moves.Decisions();
+        std::sort(decisions.begin(), decisions.end(), [this](const auto& a, const auto& b) {
+            return PlaceInList(a.move) < PlaceInList(b.move);
+        });
+        for (const CFirstMoves::TDecision& decision : decisions) {
+            areAllDecided &= decision.isDecided;
+            if (!decision.isDecided || decision.isMate != isWhite)
+                continue;
+            (isWhite ? m_result.keys : m_result.defences).push_back(decision.move);
+            if (isWhite)
+                m_result.keyPasses.push_back(decision.passIndex);
+        }
+        const bool isFound = !m_result.keys.empty() || !m_result.defences.empty();
+        m_result.verdict = VerdictOf(isWhite, isFound, areAllDecided);
+        m_result.passes = moves.Passes();
+        const bool isStopped = m_result.verdict == ESolveVerdict::kStopped ||
+                               m_result.verdict == ESolveVerdict::kLimit;
+        if (isStopped && !m_result.passes.empty())
+            m_result.passes.back().verdict = m_result.verdict;
+    }
+
+    ESolveVerdict VerdictOf(bool isWhite, bool isFound, bool areAllDecided) const {
         if (isFound)
             return isWhite ? ESolveVerdict::kProvedMate : ESolveVerdict::kProvedNoMate;
         if (IsStopped(m_root))
             return m_context.isNodeLimitReached.load(std::memory_order_relaxed)
                        ? ESolveVerdict::kLimit
                        : ESolveVerdict::kStopped;
-        if (isDoubtful)
+        if (!areAllDecided)
             return ESolveVerdict::kDoubt;
         if (isWhite)
             return ESolveVerdict::kProvedNoMate;
@@ -177,10 +210,46 @@ private:
         return isStalemate ? ESolveVerdict::kProvedNoMate : ESolveVerdict::kProvedMate;
     }
 
+    // The word under which the key was proved: what follows it is found again under the same.
+    void TakeWordOf(std::size_t key) {
+        const int index = key < m_result.keyPasses.size() ? m_result.keyPasses[key] : -1;
+        const bool isKnown = index >= 0 && m_result.passes[index].isUnderWord;
+        m_root.m_pass = isKnown ? m_result.passes[index].pass : kPassComplete;
+        if (isKnown) {
+            m_thread.heuristics = m_result.passes[index].settings;
+            TrackBlockedFigures(m_root);
+        }
+        SetHeur(m_root, isKnown ? m_result.passes[index].Heur : 0);
+    }
+
+    void TakeNoWord() {
+        SetHeur(m_root, 0);
+        m_root.m_pass = kPassComplete;
+    }
+
+    void FindLines() {
+        const bool hasKey = m_root.IsWhiteToMove();
+        if (m_result.verdict == ESolveVerdict::kProvedMate && !IsStopped(m_root)) {
+            // The replies of a mate-defence task have a pass each: no word fits all of them.
+            TakeWordOf(0);
+            const TMove* const key = hasKey ? &m_result.keys.front() : nullptr;
+            m_result.mainLine = FindMainLine(m_root, key);
+            // The word may give the line up even so: rules look at the half-moves that are left, and
+            // the register knew mates that were proved under other words.
+            if (m_result.mainLine.empty() && m_root.Heur != 0 && !IsStopped(m_root)) {
+                TakeNoWord();
+                m_result.mainLine = FindMainLine(m_root, key);
+            }
+        }
+        FindBestDefences();
+    }
+
     void FindBestDefences() {
-        for (const TMove key : m_result.keys) {
-            const bool isTold = m_result.bestDefences.empty() && m_result.mainLine.size() > 1;
-            m_result.bestDefences.push_back(isTold ? m_result.mainLine[1] : BestDefenceTo(key));
+        for (std::size_t i = 0; i < m_result.keys.size(); ++i) {
+            const bool isTold = i == 0 && m_result.mainLine.size() > 1;
+            TakeWordOf(i);
+            m_result.bestDefences.push_back(isTold ? m_result.mainLine[1]
+                                                   : BestDefenceTo(m_result.keys[i]));
         }
     }
 
@@ -188,14 +257,17 @@ private:
         TChessboard child = m_root;
         child.m_parent = &m_root;
         TMove defence{};
-        if (!IsStopped(m_root) && MakeWhiteMove(child, key) == kMoveMade)
+        if (!IsStopped(m_root) && MakeWhiteMove(child, key) == kMoveMade) {
+            UpdateAfterWhiteMove(child);
             GetBestDefence(child, &defence);  // leaves the null move if it is stopped
+        }
         return defence;
     }
 
     // Looks for first moves, other than keys, with exactly one refutation. False if stopped, or if a
     // first move stayed undecided.
     bool FindTries() {
+        TakeNoWord();  // a refutation must be proved
         bool isComplete = true;
         for (const TMove move : m_listedMoves) {
             const bool isKey = std::any_of(m_result.keys.begin(),
@@ -256,6 +328,7 @@ private:
     std::unique_ptr<TMoveMemory> m_memory = std::make_unique<TMoveMemory>();
     TThreadContext m_thread;
     TChessboard m_root{};
+    u8 m_quietCount = 0;      // of the first moves, by the sort
     TMoveList m_firstMoves;   // in the order in which they are tried
     TMoveList m_listedMoves;  // the same in the order of generation
     TSolveResult m_result;

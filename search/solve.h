@@ -1,14 +1,17 @@
 // One request on one position: which first moves force mate in n?
 //
-// This is the entry for the fronts of the program. It prepares the root, tries the first moves in
-// the order of SortWhiteMoves and of the user's indications on one thread, and rebuilds the main
-// line by searching again, with the help of the register. The calling thread is the searching
-// thread; it needs a stack of SolveStackBytes(halfMoves).
+// This is the entry for the fronts of the program. It prepares the root, has the first moves tried
+// in the order of SortWhiteMoves and of the user's indications in one pass after the other
+// (search/root.h), and rebuilds the main line by searching again, with the help of the register. The
+// calling thread needs a stack of SolveStackBytes(halfMoves); it is the searching thread, but for the
+// passes where more than one thread is asked for.
 #pragma once
 
 #include "core/chessboard.h"
 #include "core/search_context.h"
 #include "core/verdict.h"
+#include "heuristics/planned_passes.h"
+#include "search/pass_record.h"
 
 #include <cstddef>
 #include <string>
@@ -18,14 +21,6 @@ namespace quillmere {
 
 class CMovesLog;
 struct TSortIndications;
-
-enum class ESolveVerdict {
-    kProvedMate,    // proved: white forces mate
-    kProvedNoMate,  // proved by a complete search: white does not
-    kDoubt,         // no mate found, but lines were left out
-    kStopped,       // stopped from outside before it was decided
-    kLimit,         // the node or time limit was reached before it was decided
-};
 
 // A first move that every defence but one fails against.
 struct TTry {
@@ -47,11 +42,25 @@ struct TSolveRequest {
     // Empty the register of the context first. Without it what an earlier solve found is used too;
     // the answers are the same.
     bool clearRegister = true;
+    // With wantAllKeys: the keys (or holding defences) after which the work ends all the same; 0 for
+    // no such end.
+    int stopAfterKeys = 0;
+    // Threads over the first moves, 1 to 64. With one the work is the same in every run.
+    int threads = 1;
+    // The request may be answered by a wish for more threads; then nothing is searched. A restart
+    // with the wished number, or without this, goes through.
+    bool mayAskForThreads = false;
+    // The word of heuristics with the parameters of its thread and context, for an odd or an even
+    // task; null for none. Only these are read.
+    const TChessboard* heuristics = nullptr;
+    // No relaxation once a key is known.
+    bool stopsRelaxingOnFirstSolution = false;
     // Nodes (as counted by the search context) after which the work ends; 0 for no limit. With one
     // thread the result under a node limit is the same in every run.
     u64 nodeLimit = 0;
-    // Takes the moves of the search for keys; not owned, null for none.
-    CMovesLog* movesLog = nullptr;
+    // Take the moves of the search for keys, by the number of the thread; not owned. None, or a null,
+    // for no log.
+    std::vector<CMovesLog*> movesLogs = {};
 };
 
 struct TSolveResult {
@@ -71,13 +80,27 @@ struct TSolveResult {
     std::vector<TMove> defences;
     std::vector<TTry> tries;
     // Best play from the root: the key and black's longest defence at every turn, to mate. Even
-    // tasks with a mate: from black's longest defence. Empty if there is none or it was stopped.
+    // tasks with a mate: from black's longest defence. Empty if there is none or it was stopped. Of
+    // a key that was proved under a word, the longest of the lines that the word looks at.
     std::vector<TMove> mainLine;
+    // The passes as far as they were run; empty if there was no first move to try.
+    std::vector<TPassRecord> passes;
+    // Place in `passes` of the pass that proved the key of the same place.
+    std::vector<int> keyPasses;
+    // What was planned: each word of heuristics with its relaxations, and the pass without.
+    std::vector<TPlannedPass> plannedPasses;
+    // The pass without heuristics was left out on request, so that "no mate" could not be proved.
+    bool isFinalPassOff = false;
+    int threads = 1;  // that searched the first moves
+    // Above 0: so many threads are wished for, 127 at most, and nothing was searched.
+    int wishedThreads = 0;
+    // The word lacks heuristics that the context requires, and nothing was searched.
+    bool isMaskFailed = false;
     u64 nodes = 0;      // nodes of the search context, main line and best defences included
     u64 madeMoves = 0;  // every make-move of every kind
 };
 
-// Asked and told by the search on its own thread; must be quick and must not throw.
+// Told by the searching threads, one at a time; must be quick and must not throw.
 class ISolveObserver {
 public:
     virtual ~ISolveObserver() = default;

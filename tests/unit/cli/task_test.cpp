@@ -87,6 +87,9 @@ TEST(RunTaskThread, TimeLimit_StopsTheSearch) {
         lastNodes = progress.nodes;
     });
     EXPECT_EQ(outcome.result.verdict, ESolveVerdict::kLimit);
+    ASSERT_FALSE(outcome.result.passes.empty());
+    EXPECT_EQ(outcome.result.passes.back().verdict, ESolveVerdict::kLimit)
+        << "the pass that was cut off ended for the same reason";
     EXPECT_FALSE(outcome.isInterrupted);
     EXPECT_GE(told, 1);
 }

@@ -315,7 +315,7 @@ TEST_F(MovesLog, Solve_LogsItsFirstMovesAndNotTheMainLine) {
     TChessboard board = CSearchBoard("k7/2K5/8/8/8/8/8/1R6", 3).Root();
     TSolveRequest request;
     request.halfMoves = 3;
-    request.movesLog = &m_log;
+    request.movesLogs = {&m_log};
     TSearchContext context;
     const TSolveResult result = Solve(board, request, context);
     ASSERT_EQ(result.verdict, ESolveVerdict::kProvedMate);

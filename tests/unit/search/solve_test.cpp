@@ -1,6 +1,7 @@
 #include "core/chess_exception.h"
 #include "core/legality.h"
 #include "core/notation.h"
+#include "heuristics/heuristics_parser.h"
 #include "search/best_defence.h"
 #include "search/solve.h"
 #include "tests/support/search_board.h"
@@ -253,6 +254,40 @@ TEST(Solve, WithoutMainLine_NoBestDefenceIsLookedFor) {
         SolveFen("8/8/2Q5/8/3N4/1pn5/3p4/4k1K1", {.halfMoves = 5, .wantMainLine = false});
     ASSERT_FALSE(result.keys.empty());
     EXPECT_TRUE(result.bestDefences.empty());
+}
+
+TEST(Solve, KeyProvedWithoutABlockedFigure_HasItsLine) {
+    // The knight must be let go by a relaxation before the mate is found.
+    const std::string fen = "5k2/5n2/8/5K2/8/R7/8/1R6";
+    CSearchBoard given(fen, 7);
+    ParseHeuristics(given.Root(),
+                    "SH_KEEPKINGWITHINEXTEDGE(C1f,D1,incl.corner,strict), "
+                    "SH_DONTLETFIGUREUNBLOCK(F7)");
+    for (const int threads : {1, 2}) {
+        const TSolveResult result =
+            SolveFen(fen, {.halfMoves = 7, .threads = threads, .heuristics = &given.Root()});
+        ASSERT_EQ(Texts(result.keys), std::vector<std::string>{"a3a7"});
+        ASSERT_GE(result.keyPasses.front(), 0);
+        EXPECT_EQ(result.passes[static_cast<std::size_t>(result.keyPasses.front())]
+                      .settings.BlockedFigureCount,
+                  0);
+        ExpectMatingLine(fen, 7, result.mainLine);
+    }
+}
+
+TEST(Solve, LineThatTheWordOfItsKeyGivesUp_IsFoundWithoutTheWord) {
+    // The line is followed with fewer half-moves where a defence loses sooner; a test that was put
+    // off falls due elsewhere then.
+    const std::string fen = "8/7P/8/8/3K4/8/8/k7";
+    CSearchBoard given(fen, 9);
+    ParseHeuristics(given.Root(), "SH_KEEPKINGONTHEEDGE(STRICT,C1,A,D1)");
+    given.Thread().heuristics.SkipDeferIfBalanceFixed = true;
+    const TSolveResult result = SolveFen(fen, {.halfMoves = 9, .heuristics = &given.Root()});
+    ASSERT_EQ(result.keys.size(), 1u);
+    ASSERT_GE(result.keyPasses.front(), 0);
+    EXPECT_NE(result.passes[static_cast<std::size_t>(result.keyPasses.front())].Heur, 0u);
+    ExpectMatingLine(fen, 9, result.mainLine);
+    EXPECT_TRUE(MovesEqual(result.bestDefences.front(), result.mainLine[1]));
 }
 
 TEST(SolveStackBytes, HasItsFloor) {
