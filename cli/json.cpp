@@ -46,6 +46,29 @@ void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result) {
     json["mainLine"] = LineJson(WriteLine(board, isBlack, result.mainLine));
 }
 
+void AddPassesJson(TJson& json, const TSolveResult& result) {
+    TJson plan = TJson::array();
+    for (std::size_t i = 0; i < result.plannedPasses.size(); ++i) {
+        const TPlannedPass& pass = result.plannedPasses[i];
+        plan.push_back({{"name", PlannedPassName(result, i)},
+                        {"heuristics", pass.heuristics},
+                        {"optional", pass.isOptional}});
+    }
+    json["plan"] = std::move(plan);
+    TJson passes = TJson::array();
+    for (const TPassRecord& pass : result.passes)
+        passes.push_back({{"name", pass.name},
+                          {"heuristics", pass.heuristics},
+                          {"verdict", VerdictWord(pass.verdict)},
+                          {"nodes", pass.nodes},
+                          {"madeMoves", pass.madeMoves},
+                          {"ms", pass.milliseconds}});
+    json["passes"] = std::move(passes);
+    json["proof"] = nullptr;
+    if (const TPassRecord* proof = ProofOf(result))
+        json["proof"] = {{"name", proof->name}, {"heuristics", proof->heuristics}};
+}
+
 void AddRegisterJson(TJson& json, const TTaskOutcome& outcome) {
     const TRegisterFigures figures = outcome.registerFigures.value_or(TRegisterFigures());
     json["registerElements"] = figures.elements;

@@ -14,12 +14,14 @@ namespace quillmere {
 
 using TJson = nlohmann::ordered_json;
 
-constexpr int kSchema = 1;
+constexpr int kSchema = 2;
 
 TJson MoveJson(const TWrittenMove& move);
 TJson LineJson(const std::vector<TWrittenMove>& line);
 // `keys` with their `bestDefence`, `defences`, `tries` and `mainLine` of a solved task.
 void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result);
+// `plan`, `passes` as they were run, and `proof`, the pass that proved the first key.
+void AddPassesJson(TJson& json, const TSolveResult& result);
 // `registerElements` and `memoryMB`, of the end of the search; 0 where no register was used.
 void AddRegisterJson(TJson& json, const TTaskOutcome& outcome);
 // One line with its end. Bytes that are no UTF-8 are replaced, so that the output always parses.

@@ -36,6 +36,13 @@ std::string Wrap(std::string_view text) {
     return out;
 }
 
+// Where the search is, behind what is told of the first moves: the beginning of its own line.
+std::string LineTail(std::string_view line) {
+    constexpr std::size_t kTailWidth = 60;
+    const std::size_t end = std::min(line.find_last_not_of(" \r") + 1, kTailWidth);
+    return end == 0 ? std::string() : " | " + std::string(line.substr(0, end));
+}
+
 std::string RegisterText(const CConsole& console, EMessage id, const TRegisterFigures& figures) {
     return console.Text(id,
                         {std::to_string(figures.elements),
@@ -47,7 +54,72 @@ std::string Row(std::string_view label, std::string_view text) {
     return fmt::format("{}{}\n", PadRight(label, kLabelWidth), text);
 }
 
+// "1a", then the word; in the pass without heuristics the name alone.
+std::string PassText(std::string_view name, std::string_view heuristics) {
+    return PadRight(name, 4) + std::string(heuristics.empty() ? "-" : heuristics);
+}
+
+// What was tried under heuristics, and what proved the mate. Nothing for a solve without them.
+std::string PassRows(const CConsole& console, const TSolveResult& result) {
+    const bool hadHeuristics =
+        std::ranges::any_of(result.passes, [](const TPassRecord& pass) { return pass.Heur != 0; });
+    if (!hadHeuristics)
+        return {};
+    std::string out;
+    std::string label = console.Text(EMessage::kLabelPasses);
+    for (const TPassRecord& pass : result.passes) {
+        const std::string work = console.Text(EMessage::kPassDone,
+                                              {std::string(VerdictWord(pass.verdict)),
+                                               std::to_string(pass.nodes),
+                                               std::to_string(pass.madeMoves),
+                                               SecondsText(pass.milliseconds)});
+        out += Row(label, PassText(pass.name, pass.heuristics) + ": " + work);
+        label.clear();
+    }
+    if (const TPassRecord* proof = ProofOf(result))
+        out += Row(console.Text(EMessage::kLabelProof), PassText(proof->name, proof->heuristics));
+    return out;
+}
+
+// Why a solve that was not decided could not be: what the user switched off.
+std::string SwitchedOffNotes(const CConsole& console, const TSolveResult& result) {
+    std::string out;
+    if (result.verdict != ESolveVerdict::kDoubt && result.verdict != ESolveVerdict::kProvedNoMate)
+        return out;
+    const bool hadHeuristics = !result.passes.empty() && result.passes.front().Heur != 0;
+    if (hadHeuristics && !result.passes.front().settings.LetRelaxHeuristics)
+        out += "\t* " + console.Text(EMessage::kNoteNoRelaxation) + "\n";
+    return out;
+}
+
 }  // namespace
+
+std::string PlannedPassName(const TSolveResult& result, std::size_t index) {
+    if (result.plannedPasses[index].heuristics.empty())
+        return "2";
+    constexpr std::size_t kLetters = 26;
+    const std::string letter(1, static_cast<char>('a' + index % kLetters));
+    return "1" + letter + (index < kLetters ? "" : std::to_string(index / kLetters));
+}
+
+const TPassRecord* ProofOf(const TSolveResult& result) {
+    const bool isKnown = !result.keyPasses.empty() && result.keyPasses.front() >= 0;
+    return isKnown ? &result.passes[static_cast<std::size_t>(result.keyPasses.front())] : nullptr;
+}
+
+std::string PlanText(const CConsole& console, const TSolveResult& result) {
+    std::string out;
+    std::string label = console.Text(EMessage::kLabelPlan);
+    for (std::size_t i = 0; i < result.plannedPasses.size(); ++i) {
+        const TPlannedPass& pass = result.plannedPasses[i];
+        std::string text = PassText(PlannedPassName(result, i), pass.heuristics);
+        if (pass.isOptional)
+            text += fmt::format(" ({})", console.Text(EMessage::kPassOptional));
+        out += Row(label, text);
+        label.clear();
+    }
+    return out;
+}
 
 std::string Diagram(const TChessboard& board) {
     std::string out = "  +-----------------+\n";
@@ -131,7 +203,11 @@ std::string ReportText(const CConsole& console, const TTask& task, const TTaskOu
     std::string verdict = console.Bold(VerdictWord(result.verdict));
     if (result.verdict == ESolveVerdict::kProvedMate && !result.isComplete)
         verdict += fmt::format(" ({})", label(EMessage::kNotAllTried));
+    if (result.verdict == ESolveVerdict::kDoubt && result.isFinalPassOff)
+        verdict += " " + console.Text(EMessage::kNoteNoFinalPass);
     out += Row(label(EMessage::kLabelVerdict), verdict);
+    out += SwitchedOffNotes(console, result);
+    out += PassRows(console, result);
     if (outcome.registerFigures)
         out += Row(label(EMessage::kLabelRegister),
                    RegisterText(console, EMessage::kRegisterFigures, *outcome.registerFigures));
@@ -163,7 +239,7 @@ TProgressCallback ShowProgress(CConsole& console, const TTask& task) {
                                          std::to_string(progress.count),
                                          nodes,
                                          seconds}) +
-                           memory);
+                           memory + LineTail(progress.line));
         }
     };
 }

@@ -12,6 +12,12 @@ namespace quillmere {
 std::string Diagram(const TChessboard& board);
 // "Mate in 3, white to move".
 std::string StipulationText(const CConsole& console, const TTask& task);
+// The passes that were planned, a line each.
+std::string PlanText(const CConsole& console, const TSolveResult& result);
+// Name of a planned pass: "1a", "1b" and so on under heuristics, "2" without.
+std::string PlannedPassName(const TSolveResult& result, std::size_t index);
+// The pass that proved the first key; null if none did.
+const TPassRecord* ProofOf(const TSolveResult& result);
 // Key, tries, main line, verdict, register and work, a line each.
 std::string ReportText(const CConsole& console, const TTask& task, const TTaskOutcome& outcome);
 // Tells the console's status line how far a search is.

@@ -4,11 +4,13 @@
 #include "cli/json.h"
 #include "cli/report.h"
 #include "cli/task_arguments.h"
+#include "cli/task_heuristics.h"
 #include "cli/task_log.h"
 #include "core/platform/interrupt.h"
 #include "core/text.h"
 
 #include <iostream>
+#include <memory>
 
 namespace quillmere {
 namespace {
@@ -26,21 +28,26 @@ int ReadLength(const TArguments& arguments) {
         halfMoves.value_or(moves ? HalfMovesOfMate(static_cast<int>(*moves)) : 0));
 }
 
+struct TListedTask {
+    TTask task;
+    std::string place;  // in a list, for faults that come to light later; else empty
+};
+
 // The whole input is read and checked before anything is solved, so that a fault leaves standard
 // output empty.
-std::vector<TTask> ReadTasksFromInput(const CConsole& console, int halfMoves) {
-    std::vector<TTask> tasks;
+std::vector<TListedTask> ReadTasksFromInput(const CConsole& console, int halfMoves) {
+    std::vector<TListedTask> tasks;
     std::string line;
     for (int number = 1; std::getline(std::cin, line); ++number) {
         const std::string text(StripBlanks(line));
         if (text.empty() || text.front() == '#')
             continue;
+        const std::string place = console.Text(EMessage::kInputLine, {std::to_string(number)});
         try {
-            tasks.push_back(MakeTask(ReadPosition(text), halfMoves));
+            tasks.push_back({MakeTask(ReadPosition(text), halfMoves), place});
         } catch (const ChessException& fault) {
             // Also a task that does not fit the length: a line of the input is bad, not the call.
-            throw CPlacedException(console.Text(EMessage::kInputLine, {std::to_string(number)}),
-                                   fault);
+            throw CPlacedException(place, fault);
         }
     }
     if (tasks.empty())
@@ -57,16 +64,12 @@ std::string JsonText(const TTask& task, const TTaskOutcome& outcome) {
                   {"verdict", VerdictWord(result.verdict)},
                   {"complete", result.isComplete}};
     AddResultJson(json, task, result);
-    json["passes"] = TJson::array({{{"name", "complete"},
-                                    {"heuristics", 0},
-                                    {"verdict", VerdictWord(result.verdict)},
-                                    {"nodes", result.nodes},
-                                    {"ms", outcome.milliseconds}}});
+    AddPassesJson(json, result);
     json["nodes"] = result.nodes;
     json["madeMoves"] = result.madeMoves;
     json["ms"] = outcome.milliseconds;
     AddRegisterJson(json, outcome);
-    json["threads"] = 1;
+    json["threads"] = result.threads;
     return JsonLine(json);
 }
 
@@ -93,30 +96,44 @@ EExitCode RunSolve(const TCommandCall& call) {
     CConsole& console = call.console;
     const int halfMoves = ReadLength(arguments);
     TTaskRequest request = ReadTaskRequest(arguments);
+    request.threads = ReadThreads(arguments);
     const std::filesystem::path programFolder = call.optionsFile.parent_path();
     const bool wantsLog = WantsTaskLog(arguments, programFolder);
+    // A log is read from its first line to its last, so one thread writes it unless more are asked
+    // for.
+    if (wantsLog && !arguments.Has("--threads"))
+        request.threads = 1;
     CTaskRegister solved(ReadMemoryBytes(arguments), programFolder);
     request.solved = &solved;
+    CRelaxationLog relaxationLog(programFolder);
+    request.relaxationLog = &relaxationLog;
     if (request.wantTries && halfMoves % 2 == 0)
         throw CUsageException(EMessage::kUsageTriesInDefence);
 
     const std::string text = JoinWords(arguments.positionals);
     const bool isList = text == "-";
-    const std::vector<TTask> tasks =
+    const std::vector<TListedTask> tasks =
         isList ? ReadTasksFromInput(console, halfMoves)
-               : std::vector<TTask>{MakeTask(ReadPosition(text), halfMoves)};
+               : std::vector<TListedTask>{{MakeTask(ReadPosition(text), halfMoves), {}}};
+
+    std::vector<std::unique_ptr<CTaskHeuristics>> heuristics;
+    for (const auto& [task, place] : tasks)
+        heuristics.push_back(std::make_unique<CTaskHeuristics>(arguments, task, place));
+    const bool isExplained = arguments.Has("--explain");
 
     CatchInterrupts();
     // The worst of several: interrupted, undecided, no mate, mate.
     EExitCode code = kExitDone;
     bool hasNoted = false;
     int number = 0;
-    for (const TTask& task : tasks) {
+    for (const TListedTask& listed : tasks) {
+        const TTask& task = listed.task;
+        request.heuristics = heuristics[static_cast<std::size_t>(number)]->Node();
         if (task.position.NeedsCastlingNote() && !hasNoted) {
             console.Note(console.Text(EMessage::kCastlingNote));
             hasNoted = true;
         }
-        CTaskLog log(wantsLog, programFolder, ++number);
+        CTaskLog log(wantsLog, programFolder, ++number, request.threads);
         request.movesLogs = log.Logs();
         const TTaskOutcome outcome = RunTask(task, request, ShowProgress(console, task));
         log.Tell(console);
@@ -127,6 +144,8 @@ EExitCode RunSolve(const TCommandCall& call) {
             if (isList)
                 report += WritePosition(task.position) + "\n";
             report += StipulationText(console, task) + "\n\n";
+            if (isExplained)
+                report += PlanText(console, outcome.result) + "\n";
             console.Print(report + ReportText(console, task, outcome));
         }
         code = std::max(code, ExitCodeOf(outcome));

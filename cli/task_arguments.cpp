@@ -2,7 +2,11 @@
 
 #include "core/platform/system_info.h"
 #include "registers/register_limits.h"
+#include "search/root.h"
 #include "session/options.h"
+
+#include <algorithm>
+#include <string_view>
 
 namespace quillmere {
 namespace {
@@ -28,6 +32,18 @@ u64 ReadMemoryBytes(const TArguments& arguments) {
     const auto megabytes = arguments.Number("--memory", 1, most);
     return megabytes ? static_cast<u64>(*megabytes) << kMegabyteShift
                      : DefaultRegisterBytes(g_options, machine);
+}
+
+int ReadThreads(const TArguments& arguments) {
+    const auto given = arguments.Value("--threads");
+    if (!given)
+        return std::clamp(ReadSystemInfo().logicalProcessors, 1, kMaxRootThreads);
+    const std::string_view text = *given;
+    const std::size_t sign = text.find('^');
+    const i64 threads = ReadNumber("--threads", text.substr(0, sign), 1, kMaxRootThreads);
+    if (sign != std::string_view::npos && ReadNumber("--threads", text.substr(sign + 1), 1, 3) > 1)
+        throw CUsageException(EMessage::kUsageOneThreadLevel, {*given});
+    return static_cast<int>(threads);
 }
 
 }  // namespace quillmere

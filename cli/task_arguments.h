@@ -14,4 +14,8 @@ TTaskRequest ReadTaskRequest(const TArguments& arguments);
 // limit beyond the memory of the machine would be none, so it is wrong usage: CUsageException.
 u64 ReadMemoryBytes(const TArguments& arguments);
 
+// Threads over the first moves: --threads T, 1 to 64, else the logical processors of the machine.
+// Throws CUsageException; for "T^L" with levels above 1 too, since there is one level only.
+int ReadThreads(const TArguments& arguments);
+
 }  // namespace quillmere

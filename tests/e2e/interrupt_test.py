@@ -65,7 +65,7 @@ class Interrupt(ProgramTest):
     # Progress on the terminal says that the search runs, so no test waits for a fixed time.
     def start(self, *extra):
         terminal = Terminal(ENDLESS_SOLVE + list(extra), self.environment())
-        self.assertTrue(terminal.read_until("first move 1 of"), terminal.text)
+        self.assertTrue(terminal.read_until("first move "), terminal.text)
         return terminal
 
     def test_ctrl_c_tells_what_is_known(self):
@@ -86,7 +86,7 @@ class Interrupt(ProgramTest):
     def test_batch_tells_the_positions_that_were_begun(self):
         path = self.write("list.epd", f"{LOYD_3} dm 3;\n" + f"{ENDLESS} dm {ENDLESS_MOVES};\n" * 3)
         terminal = Terminal([PROGRAM, "epd", path, "--deterministic"], self.environment())
-        self.assertTrue(terminal.read_until("first move 1 of"), terminal.text)
+        self.assertTrue(terminal.read_until("first move "), terminal.text)
         # The first line may still be on its way; the second position never ends.
         while b"line-1" not in (line := terminal.process.stdout.readline()):
             self.assertTrue(line)
@@ -120,7 +120,7 @@ class Progress(ProgramTest):
         terminal = Terminal(ENDLESS_SOLVE + ["--time", "1"], self.environment())
         code, _ = terminal.close()
         self.assertEqual(code, 4)
-        self.assertIn("first move 1 of", terminal.text)
+        self.assertIn("first move ", terminal.text)
         self.assertIn("nodes", terminal.text)
         self.assertTrue(terminal.text.endswith("\r\x1b[K"), repr(terminal.text))
 

@@ -77,9 +77,9 @@ class Memory(ProgramTest):
             self.assertLessEqual(two["memoryMB"], 1)
 
     def test_a_full_register_gives_the_same_nodes_in_every_run(self):
-        arguments = ["solve", REGISTER_7, "--moves", "7", "--memory", "1", "--json"]
-        roomy = self.run_program(*arguments[:-3], "--json").json()[0]
-        runs = [self.run_program(*arguments).json()[0] for _ in range(2)]
+        arguments = ["solve", REGISTER_7, "--moves", "7", "--threads", "1", "--json"]
+        roomy = self.run_program(*arguments).json()[0]
+        runs = [self.run_program(*arguments, "--memory", "1").json()[0] for _ in range(2)]
         self.assertEqual(runs[0]["nodes"], runs[1]["nodes"])
         self.assertEqual(runs[0]["madeMoves"], runs[1]["madeMoves"])
         self.assertEqual(answer(runs[0]), answer(roomy))
@@ -122,7 +122,7 @@ class ClearRegister(ProgramTest):
         return [record["nodes"] for record in records]
 
     COMMANDS = [
-        (["solve", "-", "--moves", "6"], f"{REGISTER_6}\n{REGISTER_6}\n"),
+        (["solve", "-", "--moves", "6", "--threads", "1"], f"{REGISTER_6}\n{REGISTER_6}\n"),
         (["epd", "-"], f"{REGISTER_6} dm 6;\n{REGISTER_6} dm 6;\n"),
     ]
 

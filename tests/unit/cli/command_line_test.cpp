@@ -5,6 +5,10 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace quillmere {
 namespace {
@@ -24,6 +28,35 @@ TRun RunProgram(std::vector<std::string> words) {
     run.code = RunCommandLine(static_cast<int>(argv.size()), argv.data());
     run.output = testing::internal::GetCapturedStdout();
     return run;
+}
+
+// Standard input for as long as this lives.
+class CInput {
+public:
+    explicit CInput(const std::string& text)
+        : m_text(text), m_kept(std::cin.rdbuf(m_text.rdbuf())) {}
+    ~CInput() {
+        std::cin.rdbuf(m_kept);
+        std::cin.clear();
+    }
+    CInput(const CInput&) = delete;
+    CInput& operator=(const CInput&) = delete;
+
+private:
+    std::istringstream m_text;
+    std::streambuf* m_kept;
+};
+
+TEST(SolveList, HeuristicsThatDoNotFitAPositionNameItsLine) {
+    const CInput input("# the knight stands on f7 in the first only\n"
+                       "5k2/5n2/8/5K2/8/R7/8/1R6 w - - 0 1\n"
+                       "7k/8/4K3/8/8/8/8/1Q6 w - - 0 1\n");
+    testing::internal::CaptureStderr();
+    const TRun run = RunProgram(
+        {"--quiet", "solve", "-", "--moves", "2", "--heuristics", "SH_DONTLETFIGUREUNBLOCK(F7)"});
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("line 3: "), std::string::npos);
+    EXPECT_EQ(run.code, kExitBadInput);
+    EXPECT_EQ(run.output, "");
 }
 
 TEST(EpdThread, Jobs_GiveTheSameLinesInTheSameOrder) {
