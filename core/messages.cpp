@@ -1,7 +1,7 @@
 #include "core/messages.h"
 
-#include <array>
 #include <cstddef>
+#include <iterator>
 
 namespace quillmere {
 namespace {
@@ -13,13 +13,12 @@ struct TMessageRow {
     std::string_view ukrainian;
 };
 
-constexpr std::array kRows = {
-#define QUILLMERE_MESSAGE(id, english, polish, ukrainian)                                          \
-    TMessageRow{#id, english, polish, ukrainian},
+constexpr TMessageRow kRows[] = {
+#define QUILLMERE_MESSAGE(id, english, polish, ukrainian) {#id, english, polish, ukrainian},
 #include "core/messages.def"
 #undef QUILLMERE_MESSAGE
 };
-static_assert(kRows.size() == static_cast<std::size_t>(EMessage::kCount));
+static_assert(std::size(kRows) == static_cast<std::size_t>(EMessage::kCount));
 
 const TMessageRow& RowOf(EMessage id) {
     return kRows[static_cast<std::size_t>(id)];
