@@ -1,3 +1,8 @@
+// Each thread goes through the passes by itself and claims first moves as it finds them free; nobody
+// waits at the end of a pass. That costs no idle time where one first move takes longer than all
+// others, and it is sound because a verdict carries its own licence: a mate counts from any pass, "no
+// mate" only from one that left nothing out. All threads meet the same words in the same order, since
+// the ladder hangs on the root alone, and whether to relax is settled once for all (CFirstMoves).
 #include "search/root_passes.h"
 
 #include "core/make_move.h"

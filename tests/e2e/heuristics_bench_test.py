@@ -2,11 +2,9 @@
 """bench/heuristics.py with the built program, and with a stand-in that lies."""
 
 import os
-import subprocess
-import sys
 import unittest
 
-from program import LOYD_3, PATIENCE, PROGRAM, ROOT, ProgramTest
+from program import LOYD_3, PROGRAM, ROOT, ProgramTest
 
 SCRIPT = os.path.join(ROOT, "bench", "heuristics.py")
 SUITE = os.path.join(ROOT, "bench", "suite", "heuristics.epd")
@@ -23,14 +21,7 @@ esac
 
 class Heuristics(ProgramTest):
     def heuristics(self, *arguments):
-        done = subprocess.run(
-            [sys.executable, "-B", SCRIPT, *arguments],
-            capture_output=True,
-            encoding="utf-8",
-            env=self.environment(),
-            timeout=PATIENCE,
-        )
-        return done.returncode, done.stdout, done.stderr
+        return self.run_script(SCRIPT, *arguments)
 
     def liar(self):
         path = self.write("liar", LIAR)

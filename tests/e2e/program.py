@@ -7,6 +7,7 @@ Every run gets an empty home folder of its own, no terminal, and the language C.
 import json
 import os
 import subprocess
+import sys
 import tempfile
 import unittest
 
@@ -61,6 +62,17 @@ class ProgramTest(unittest.TestCase):
                 timeout=PATIENCE,
             )
         )
+
+    def run_script(self, script, *arguments):
+        """Exit code, output and errors of a Python script of the repository."""
+        done = subprocess.run(
+            [sys.executable, "-B", script, *arguments],
+            capture_output=True,
+            encoding="utf-8",
+            env=self.environment(),
+            timeout=PATIENCE,
+        )
+        return done.returncode, done.stdout, done.stderr
 
     def write(self, name, text):
         path = os.path.join(self.folder, name)

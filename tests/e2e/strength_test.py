@@ -2,11 +2,9 @@
 """bench/strength.py with the built program, and with stand-ins that lie or hang on."""
 
 import os
-import subprocess
-import sys
 import unittest
 
-from program import ENDLESS, ENDLESS_MOVES, LOYD_3, LOYD_5, PATIENCE, PROGRAM, ROOT, ProgramTest
+from program import ENDLESS, ENDLESS_MOVES, LOYD_3, LOYD_5, PROGRAM, ROOT, ProgramTest
 
 SCRIPT = os.path.join(ROOT, "bench", "strength.py")
 # Says of every position that there is no mate.
@@ -18,14 +16,7 @@ exit 1
 
 class Strength(ProgramTest):
     def strength(self, *arguments):
-        done = subprocess.run(
-            [sys.executable, "-B", SCRIPT, *arguments],
-            capture_output=True,
-            encoding="utf-8",
-            env=self.environment(),
-            timeout=PATIENCE,
-        )
-        return done.returncode, done.stdout, done.stderr
+        return self.run_script(SCRIPT, *arguments)
 
     def stand_in(self, text):
         path = self.write("stand-in", text)
