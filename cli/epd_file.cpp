@@ -1,8 +1,8 @@
 #include "cli/epd_file.h"
 
 #include "cli/commands.h"
-#include "cli/play_board.h"
 #include "core/platform/file_replace.h"
+#include "core/play_board.h"
 #include "core/san.h"
 #include "core/text.h"
 

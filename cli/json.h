@@ -2,8 +2,8 @@
 // when a field changes its meaning or goes away; new fields may come at any time.
 #pragma once
 
-#include "cli/play_board.h"
 #include "cli/task.h"
+#include "core/play_board.h"
 
 #include <nlohmann/json.hpp>
 #include <string>

@@ -2,12 +2,12 @@
 #include "cli/columns.h"
 #include "cli/commands.h"
 #include "cli/json.h"
-#include "cli/play_board.h"
 #include "cli/task.h"
 #include "core/legality.h"
 #include "core/make_move.h"
 #include "core/notation.h"
 #include "core/perft.h"
+#include "core/play_board.h"
 
 #include <chrono>
 #include <fmt/format.h>

@@ -2,11 +2,11 @@
 #include "cli/columns.h"
 #include "cli/commands.h"
 #include "cli/json.h"
-#include "cli/play_board.h"
 #include "cli/report.h"
 #include "core/chessboard_id.h"
 #include "core/material.h"
 #include "core/notation.h"
+#include "core/play_board.h"
 #include "core/rights.h"
 
 #include <fmt/format.h>

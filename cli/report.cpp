@@ -1,8 +1,8 @@
 #include "cli/report.h"
 
 #include "cli/columns.h"
-#include "cli/play_board.h"
 #include "core/fen.h"
+#include "core/play_board.h"
 
 #include <algorithm>
 #include <cmath>

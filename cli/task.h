@@ -2,10 +2,10 @@
 // colours and squares.
 #pragma once
 
-#include "cli/play_board.h"
 #include "cli/task_register.h"
 #include "core/chessboard.h"
 #include "core/fen_check.h"
+#include "core/play_board.h"
 #include "heuristics/relaxation_log.h"
 #include "search/moves_log.h"
 #include "search/solve.h"

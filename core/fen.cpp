@@ -115,7 +115,20 @@ bool ReadRank(std::string_view text, u8* squares) {
     return file == 8;
 }
 
-bool ReadBoardField(std::string_view text, u8* squares) {
+// Rights that the fields behind the board name, as bits of DerivedCastlingRights. The letters
+// count wherever they stand.
+int NamedRights(std::string_view fields) {
+    int rights = 0;
+    for (int i = 0; i < 4; ++i) {
+        if (fields.find(kRightLetters[i]) != std::string_view::npos)
+            rights |= 1 << i;
+    }
+    return rights;
+}
+
+}  // namespace
+
+bool ReadBoardSquares(std::string_view text, u8* squares) {
     for (int rank = 7; rank >= 0; --rank) {
         const std::size_t end = text.find('/');
         // Every rank but the last ends in a slash, and only these.
@@ -131,19 +144,6 @@ bool ReadBoardField(std::string_view text, u8* squares) {
     }
     return true;
 }
-
-// Rights that the fields behind the board name, as bits of DerivedCastlingRights. The letters
-// count wherever they stand.
-int NamedRights(std::string_view fields) {
-    int rights = 0;
-    for (int i = 0; i < 4; ++i) {
-        if (fields.find(kRightLetters[i]) != std::string_view::npos)
-            rights |= 1 << i;
-    }
-    return rights;
-}
-
-}  // namespace
 
 u8 FigureFromLetter(char letter) {
     switch (ToUpperLetter(letter)) {
@@ -226,7 +226,7 @@ bool SetFromFENCode(TChessboard& board,
 
     TChessboard scratch = board;
     std::memset(scratch.m_board, 0, sizeof(scratch.m_board));
-    if (!ReadBoardField(boardField, scratch.m_board))
+    if (!ReadBoardSquares(boardField, scratch.m_board))
         return false;
     try {
         ValidateBoard(scratch, true);

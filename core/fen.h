@@ -4,6 +4,7 @@
 #include "core/chessboard.h"
 
 #include <string>
+#include <string_view>
 
 namespace quillmere {
 
@@ -12,6 +13,11 @@ namespace quillmere {
 u8 FigureFromLetter(char letter);
 // 'K', 'P', 'Q', 'R', 'B' or 'N' by kind; 'E' for anything else.
 char LetterFromFigure(u8 figure);
+
+// Reads the board field alone, "8/8/8/4k3/8/8/8/4K3", into 64 squares that are empty before. Nothing is
+// asked of the position. False on a bad text, `squares` is then half written; throws ChessException on
+// an unknown figure letter.
+bool ReadBoardSquares(std::string_view text, u8* squares);
 
 // Longest text of GetFENCode with its terminator, in bytes.
 constexpr int kFenBufferSize = 120;

@@ -27,15 +27,22 @@ private:
     std::atomic<u16>& m_spin;
 };
 
+// To be called under the lock only.
+CRelaxationTimes::TSlots& CRelaxationTimes::Slots() {
+    if (m_slots == nullptr)
+        m_slots = std::make_unique<TSlots>();
+    return *m_slots;
+}
+
 void CRelaxationTimes::Start(u64 tick) {
     const CHold hold(m_spin);
     m_start = tick;
-    m_slots.fill(std::nullopt);
+    Slots().fill(std::nullopt);
 }
 
 u64 CRelaxationTimes::Elapsed(u8 index, u64 now) {
     const CHold hold(m_spin);
-    std::optional<u64>& slot = m_slots[index];
+    std::optional<u64>& slot = Slots()[index];
     if (!slot)
         slot = now;
     return *slot - m_start;
@@ -43,12 +50,12 @@ u64 CRelaxationTimes::Elapsed(u8 index, u64 now) {
 
 CRelaxationTimes::TSlots CRelaxationTimes::Save() {
     const CHold hold(m_spin);
-    return m_slots;
+    return Slots();
 }
 
 void CRelaxationTimes::Restore(const TSlots& slots) {
     const CHold hold(m_spin);
-    m_slots = slots;
+    Slots() = slots;
 }
 
 }  // namespace quillmere

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 #include <optional>
 
 namespace quillmere {
@@ -35,10 +36,13 @@ public:
 
 private:
     class CHold;
+    TSlots& Slots();
 
     std::atomic<u16> m_spin{0};
     u64 m_start = 0;
-    TSlots m_slots;
+    // Made at the start of the analysis: a collection holds many thousands of problems that were
+    // never started, and each is a search context.
+    std::unique_ptr<TSlots> m_slots;
 };
 
 }  // namespace quillmere

@@ -109,6 +109,30 @@ bool Fits(const TPattern& pattern, const TChessboard& node, TMove move) {
            (pattern.fromRank < 0 || pattern.fromRank == RankOf(move.from));
 }
 
+// As much of the origin as tells the move from those of other figures of its kind: nothing, the file,
+// the rank or both.
+std::string OriginText(TChessboard& node, TMove move) {
+    TMoveList legal;
+    legal.count = GetLegalMoves(node, legal.moves);
+    bool isAlone = true;
+    bool isFileShared = false;
+    bool isRankShared = false;
+    for (const TMove other : legal) {
+        if (other.to != move.to || other.from == move.from ||
+            node.m_board[other.from] != node.m_board[move.from])
+            continue;
+        isAlone = false;
+        isFileShared |= FileOf(other.from) == FileOf(move.from);
+        isRankShared |= RankOf(other.from) == RankOf(move.from);
+    }
+    const std::string square = SquareToText(move.from);
+    if (isAlone)
+        return "";
+    if (!isFileShared)
+        return square.substr(0, 1);
+    return isRankShared ? square : square.substr(1);
+}
+
 }  // namespace
 
 TMove ReadShortMove(TChessboard& node, std::string_view text) {
@@ -136,6 +160,24 @@ TMove ReadShortMove(TChessboard& node, std::string_view text) {
     if (count > 1)
         throw ChessException(EMessage::kMoveAmbiguous, {written, names});
     return found;
+}
+
+std::string WriteShortMove(TChessboard& node, TMove move) {
+    const u8 kind = KindOf(node.m_board[move.from]);
+    const int fileStep = FileOf(move.to) - FileOf(move.from);
+    if (kind == kKing && (fileStep == 2 || fileStep == -2))
+        return fileStep > 0 ? "O-O" : "O-O-O";
+    const bool isCapture = IsCapture(node, move);
+    std::string text;
+    if (kind != kPawn)
+        text = LetterFromFigure(kind) + OriginText(node, move);
+    else if (isCapture)
+        text = SquareToText(move.from).substr(0, 1);
+    text += isCapture ? "x" : "";
+    text += SquareToText(move.to);
+    if (move.Promotion() != 0)
+        text += std::string("=") + LetterFromFigure(move.Promotion());
+    return text;
 }
 
 }  // namespace quillmere

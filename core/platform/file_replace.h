@@ -24,4 +24,15 @@ std::error_code ReplaceFileContent(const std::filesystem::path& file, std::strin
 // is taken. No file, or a folder of that name, is no error and nothing is done.
 std::error_code BackupBeforeSave(const std::filesystem::path& file);
 
+// ReplaceFileContent with a backup of the old content by the rule of BackupBeforeSave, for files of
+// the user's own work: at every moment, also if the program or the machine ends in the middle, one
+// whole file, old or new, stands under the name, and the older backup is there until the newer takes
+// its place. The new content is on the disk before the old one loses its name. After an error the
+// file is as it was, but the backup may already be the newer one; only where the new name could not
+// be brought to the disk the new content stands there in spite of the error.
+// *cannotOpen (may be null) tells whether a failure is that the file could not be opened for writing.
+std::error_code ReplaceFileKeepingBackup(const std::filesystem::path& file,
+                                         std::string_view bytes,
+                                         bool* cannotOpen = nullptr);
+
 }  // namespace quillmere

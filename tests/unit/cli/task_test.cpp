@@ -1,9 +1,9 @@
 #include "cli/arguments.h"
 #include "cli/commands.h"
-#include "cli/play_board.h"
 #include "cli/task.h"
 #include "core/chess_exception.h"
 #include "core/notation.h"
+#include "core/play_board.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "cli/play_board.h"
 #include "cli/task.h"
 #include "core/chess_exception.h"
 #include "core/notation.h"
+#include "core/play_board.h"
 #include "core/san.h"
 
 #include <gtest/gtest.h>
@@ -110,6 +110,42 @@ constexpr TFaultCase kFaults[] = {
 TEST(ReadShortMove, EachFault_IsNamed) {
     for (const TFaultCase& row : kFaults)
         EXPECT_EQ(MessageName(FaultOf(row.fen, row.text)), MessageName(row.id)) << row.text;
+}
+
+constexpr TMoveCase kWritten[] = {
+    {kStart, "Nf3", "g1f3"},
+    {kPromotion, "exd8=R", "e7d8r"},
+    {kCastling, "O-O", "e1g1"},
+    {kKnights, "Nfd2", "f1d2"},
+    {kRooks, "R1a4", "a1a4"},
+    // Three queens: neither file nor rank alone tells them apart.
+    {"8/k7/8/8/4Q2Q/8/8/K6Q w", "Qh4e1", "h4e1"},
+    // The other knight is pinned, so that nothing needs to be told.
+    {"4r2k/8/8/8/8/8/N3N3/4K3 w", "Nc3", "a2c3"},
+};
+
+TEST(WriteShortMove, EachMove_IsToldAsShortAsItCanBe) {
+    for (const TMoveCase& row : kWritten) {
+        const TPosition position = ReadPosition(row.fen);
+        CPlayBoard board(position.board, position.IsBlackToMove());
+        for (const TMove move : board.LegalMoves()) {
+            if (MoveToUci(move) == row.uci) {
+                EXPECT_EQ(WriteShortMove(board.Node(), move), row.text);
+            }
+        }
+        EXPECT_EQ(Read(row.fen, row.text), row.uci);
+    }
+}
+
+TEST(PlayShortMove, CheckAndMate_AreMarked) {
+    const auto written = [](const char* fen, const char* text) {
+        const TPosition position = ReadPosition(fen);
+        CPlayBoard board(position.board, position.IsBlackToMove());
+        return PlayShortMove(board, ReadShortMove(board.Node(), text));
+    };
+    EXPECT_EQ(written("7k/8/6K1/8/8/8/8/R7 w - -", "Ra8"), "Ra8#");
+    EXPECT_EQ(written("7k/8/8/6K1/8/8/8/R7 w - -", "Ra8"), "Ra8+");
+    EXPECT_EQ(written("7k/8/8/6K1/8/8/8/R7 w - -", "Ra7"), "Ra7");
 }
 
 }  // namespace

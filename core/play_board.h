@@ -22,6 +22,8 @@ public:
     TChessboard& Node() { return m_nodes.back(); }
     bool IsBlackToMove() const { return !m_nodes.back().IsWhiteToMove(); }
     bool IsInCheck() const;
+    // Half-moves that there is still room for.
+    int MovesLeft() const { return m_nodes.back().m_nMoves; }
     std::vector<TMove> LegalMoves();
     // Throws ChessException if the move is not legal or there is no room for it.
     void Play(TMove move);
@@ -32,6 +34,10 @@ private:
     // Elements stay in place, as each node points to its parent.
     std::deque<TChessboard> m_nodes;
 };
+
+// Plays the move and writes it in short notation with its mark, "Qf8+", "e8=N#". Throws ChessException
+// as CPlayBoard::Play.
+std::string PlayShortMove(CPlayBoard& board, TMove move);
 
 // A move as people read it.
 struct TWrittenMove {

@@ -1,9 +1,10 @@
-#include "cli/play_board.h"
+#include "core/play_board.h"
 
 #include "core/chess_exception.h"
 #include "core/legality.h"
 #include "core/make_move.h"
 #include "core/notation.h"
+#include "core/san.h"
 
 namespace quillmere {
 namespace {
@@ -52,6 +53,14 @@ void CPlayBoard::Play(TMove move) {
         m_nodes.pop_back();
         throw ChessException(EMessage::kIllegalMove);
     }
+}
+
+std::string PlayShortMove(CPlayBoard& board, TMove move) {
+    std::string text = WriteShortMove(board.Node(), move);
+    board.Play(move);
+    if (board.IsInCheck())
+        text += board.LegalMoves().empty() ? "#" : "+";
+    return text;
 }
 
 std::vector<TWrittenMove>
