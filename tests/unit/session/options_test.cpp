@@ -106,6 +106,7 @@ const TDescribedOption kDescribed[] = {
     {"ScalingWarningDismissed", "0", 0, 1, kWindow},
     {"UsePredefinedIndications", "0", 0, 2, kSave},
     {"LastProcessedMsgId", "0", 0, 2147483647, kMessage},
+    {"AnsiCodePage", "windows-1250", 0, 0, kUser},
 };
 
 TEST(OptionTable, Rows_AreTheKnownOnes) {
@@ -118,7 +119,8 @@ TEST(OptionTable, Rows_AreTheKnownOnes) {
         EXPECT_EQ(options[i].low, kDescribed[i].low) << options[i].key;
         EXPECT_EQ(options[i].high, kDescribed[i].high) << options[i].key;
         EXPECT_EQ(options[i].writer, kDescribed[i].writer) << options[i].key;
-        EXPECT_EQ(options[i].isText, options[i].key == "PrecalcPath") << options[i].key;
+        const bool isText = options[i].key == "PrecalcPath" || options[i].key == "AnsiCodePage";
+        EXPECT_EQ(options[i].isText, isText) << options[i].key;
     }
 }
 
@@ -632,7 +634,7 @@ TEST_F(OptionsFileTest, SetOption_ValueInRange_IsWrittenAsTheFileHoldsIt) {
 TEST_F(OptionsFileTest, SetOption_EndsOfEveryRange_AreTakenAndTheNextAreNot) {
     for (const TDescribedOption& row : kDescribed) {
         const std::string key = row.key;
-        if (key == "PrecalcPath") {
+        if (key == "PrecalcPath" || key == "AnsiCodePage") {
             continue;
         }
         for (const i64 value : {row.low, row.high}) {
