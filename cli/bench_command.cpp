@@ -11,6 +11,7 @@
 #include "cli/report.h"
 #include "cli/task_arguments.h"
 #include "core/platform/interrupt.h"
+#include "session/session_texts.h"
 
 #include <fmt/format.h>
 

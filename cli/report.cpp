@@ -3,6 +3,7 @@
 #include "cli/columns.h"
 #include "core/fen.h"
 #include "core/play_board.h"
+#include "session/session_texts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,10 +51,6 @@ std::string RegisterText(const CConsole& console, EMessage id, const TRegisterFi
                          fmt::format("{:.1f}", Megabytes(figures.bytesUsed))});
 }
 
-std::string Row(std::string_view label, std::string_view text) {
-    return fmt::format("{}{}\n", PadRight(label, kLabelWidth), text);
-}
-
 // "1a", then the word; in the pass without heuristics the name alone.
 std::string PassText(std::string_view name, std::string_view heuristics) {
     return PadRight(name, 4) + std::string(heuristics.empty() ? "-" : heuristics);
@@ -73,11 +70,12 @@ std::string PassRows(const CConsole& console, const TSolveResult& result) {
                                                std::to_string(pass.nodes),
                                                std::to_string(pass.madeMoves),
                                                SecondsText(pass.milliseconds)});
-        out += Row(label, PassText(pass.name, pass.heuristics) + ": " + work);
+        out += ReportRow(label, PassText(pass.name, pass.heuristics) + ": " + work);
         label.clear();
     }
     if (const TPassRecord* proof = ProofOf(result))
-        out += Row(console.Text(EMessage::kLabelProof), PassText(proof->name, proof->heuristics));
+        out += ReportRow(console.Text(EMessage::kLabelProof),
+                         PassText(proof->name, proof->heuristics));
     return out;
 }
 
@@ -93,6 +91,10 @@ std::string SwitchedOffNotes(const CConsole& console, const TSolveResult& result
 }
 
 }  // namespace
+
+std::string ReportRow(std::string_view label, std::string_view text) {
+    return fmt::format("{}{}\n", PadRight(label, kLabelWidth), text);
+}
 
 std::string PlannedPassName(const TSolveResult& result, std::size_t index) {
     if (result.plannedPasses[index].heuristics.empty())
@@ -115,7 +117,7 @@ std::string PlanText(const CConsole& console, const TSolveResult& result) {
         std::string text = PassText(PlannedPassName(result, i), pass.heuristics);
         if (pass.isOptional)
             text += fmt::format(" ({})", console.Text(EMessage::kPassOptional));
-        out += Row(label, text);
+        out += ReportRow(label, text);
         label.clear();
     }
     return out;
@@ -139,10 +141,6 @@ std::string Diagram(const TChessboard& board) {
 
 int FullMovesOfTask(const TTask& task) {
     return FullMovesOf(task.halfMoves);
-}
-
-std::string SecondsText(u64 milliseconds) {
-    return fmt::format("{}.{:02}", milliseconds / 1000, milliseconds % 1000 / 10);
 }
 
 double Megabytes(u64 bytes) {
@@ -174,17 +172,17 @@ std::string ReportText(const CConsole& console, const TTask& task, const TTaskOu
     // A key is asked for; but that a defence holds could be read as if no other did.
     if (task.IsDefence() && !found.empty() && !outcome.wereAllAsked)
         moves += fmt::format(" ({})", label(EMessage::kFirstDefenceFound));
-    std::string out = Row(label(task.IsDefence()   ? EMessage::kLabelDefences
-                                : found.size() > 1 ? EMessage::kLabelKeys
-                                                   : EMessage::kLabelKey),
-                          moves);
+    std::string out = ReportRow(label(task.IsDefence()   ? EMessage::kLabelDefences
+                                      : found.size() > 1 ? EMessage::kLabelKeys
+                                                         : EMessage::kLabelKey),
+                                moves);
 
     std::string defenceLabel = label(EMessage::kLabelBestDefence);
     for (std::size_t i = 0; i < result.keys.size(); ++i) {
         const std::vector<TWrittenMove> line = KeyLine(task, result, i);
         if (line.size() < 2)
             continue;
-        out += Row(defenceLabel, NumberedLine(line, isBlack));
+        out += ReportRow(defenceLabel, NumberedLine(line, isBlack));
         defenceLabel.clear();
     }
 
@@ -193,29 +191,30 @@ std::string ReportText(const CConsole& console, const TTask& task, const TTaskOu
         const auto line = WriteLine(board, isBlack, {attempt.move, attempt.refutation});
         const std::string text =
             NumberedLine({line[0]}, isBlack) + "? " + line[1].text + line[1].check + "!";
-        out += Row(triesLabel, text);
+        out += ReportRow(triesLabel, text);
         triesLabel.clear();
     }
     if (!result.mainLine.empty())
-        out += Row(label(EMessage::kLabelLine),
-                   Wrap(NumberedLine(WriteLine(board, isBlack, result.mainLine), isBlack)));
+        out += ReportRow(label(EMessage::kLabelLine),
+                         Wrap(NumberedLine(WriteLine(board, isBlack, result.mainLine), isBlack)));
 
     std::string verdict = console.Bold(VerdictWord(result.verdict));
     if (result.verdict == ESolveVerdict::kProvedMate && !result.isComplete)
         verdict += fmt::format(" ({})", label(EMessage::kNotAllTried));
     if (result.verdict == ESolveVerdict::kDoubt && result.isFinalPassOff)
         verdict += " " + console.Text(EMessage::kNoteNoFinalPass);
-    out += Row(label(EMessage::kLabelVerdict), verdict);
+    out += ReportRow(label(EMessage::kLabelVerdict), verdict);
     out += SwitchedOffNotes(console, result);
     out += PassRows(console, result);
     if (outcome.registerFigures)
-        out += Row(label(EMessage::kLabelRegister),
-                   RegisterText(console, EMessage::kRegisterFigures, *outcome.registerFigures));
-    out += Row(label(EMessage::kLabelWork),
-               console.Text(EMessage::kWorkDone,
-                            {std::to_string(result.nodes),
-                             std::to_string(result.madeMoves),
-                             SecondsText(outcome.milliseconds)}));
+        out +=
+            ReportRow(label(EMessage::kLabelRegister),
+                      RegisterText(console, EMessage::kRegisterFigures, *outcome.registerFigures));
+    out += ReportRow(label(EMessage::kLabelWork),
+                     console.Text(EMessage::kWorkDone,
+                                  {std::to_string(result.nodes),
+                                   std::to_string(result.madeMoves),
+                                   SecondsText(outcome.milliseconds)}));
     return out;
 }
 

@@ -5,6 +5,7 @@
 #include "cli/task.h"
 
 #include <string>
+#include <string_view>
 
 namespace quillmere {
 
@@ -18,6 +19,8 @@ std::string PlanText(const CConsole& console, const TSolveResult& result);
 std::string PlannedPassName(const TSolveResult& result, std::size_t index);
 // The pass that proved the first key; null if none did.
 const TPassRecord* ProofOf(const TSolveResult& result);
+// A row of the report: the label, then the text behind it in a column.
+std::string ReportRow(std::string_view label, std::string_view text);
 // Key, tries, main line, verdict, register and work, a line each.
 std::string ReportText(const CConsole& console, const TTask& task, const TTaskOutcome& outcome);
 // Tells the console's status line how far a search is.
@@ -25,7 +28,6 @@ TProgressCallback ShowProgress(CConsole& console, const TTask& task);
 
 // Length of the task in moves: of a mate in n it is n, of a defence task the pairs of moves.
 int FullMovesOfTask(const TTask& task);
-std::string SecondsText(u64 milliseconds);
 // Rounded to tenths.
 double Megabytes(u64 bytes);
 

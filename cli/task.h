@@ -2,13 +2,13 @@
 // colours and squares.
 #pragma once
 
-#include "cli/task_register.h"
 #include "core/chessboard.h"
 #include "core/fen_check.h"
 #include "core/play_board.h"
 #include "heuristics/relaxation_log.h"
 #include "search/moves_log.h"
 #include "search/solve.h"
+#include "session/task_register.h"
 
 #include <functional>
 #include <optional>

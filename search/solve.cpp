@@ -62,6 +62,7 @@ public:
     TSolveResult Run() {
         m_firstMoves.count = GetLegalMoves(m_root, m_firstMoves.moves);
         SortFirstMoves();
+        m_result.firstMoves.assign(m_firstMoves.begin(), m_firstMoves.end());
         if (m_request.heuristics != nullptr)
             TakeHeuristics(m_root, *m_request.heuristics);
         PlanPasses();

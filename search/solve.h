@@ -64,6 +64,8 @@ struct TSolveRequest {
 };
 
 struct TSolveResult {
+    // The legal first moves in the order in which they are tried.
+    std::vector<TMove> firstMoves;
     // Of the task: with wantAllKeys the search may have found keys and still have been stopped;
     // then verdict is kProvedMate and isComplete is false.
     ESolveVerdict verdict = ESolveVerdict::kStopped;

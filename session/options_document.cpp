@@ -10,9 +10,9 @@ constexpr const char* kHead =
 # Options
 
 The settings of the program stand in the file `options.ini` of the program's folder, in the section
-`[chess]`, one `Key=number` a line (`PrecalcPath` is a text). `quillmere options path` tells where
-the file is: `--home DIR`, else the folder of the environment variable `QUILLMERE_HOME`, else
-`$XDG_CONFIG_HOME/quillmere`, else `~/.config/quillmere`.
+`[chess]`, one `Key=number` a line (`PrecalcPath` and `AnsiCodePage` are texts). `quillmere options
+path` tells where the file is: `--home DIR`, else the folder of the environment variable
+`QUILLMERE_HOME`, else `$XDG_CONFIG_HOME/quillmere`, else `~/.config/quillmere`.
 
 - A key that is missing takes its default. No file at all means defaults.
 - A number is read up to the first character that is no digit: `12abc` is 12, `abc` is 0. Numbers

@@ -1,4 +1,4 @@
-#include "cli/task_register.h"
+#include "session/task_register.h"
 
 #include "core/search_context.h"
 
@@ -12,9 +12,8 @@ namespace {
 // would by a clock of milliseconds.
 constexpr u64 kQuestionsPerTick = 512;
 
-// A clock that goes on with the questions for the time. A full register asks once for each verdict,
-// so a search on one thread meets the same register in every run; a true clock would let the number
-// of nodes hang on the speed of the machine.
+// A full register asks once for each verdict; a true clock would let the number of nodes hang on the
+// speed of the machine.
 std::function<u64()> CountingClock() {
     return [questions = std::make_shared<std::atomic<u64>>(0)] {
         return questions->fetch_add(1, std::memory_order_relaxed) / kQuestionsPerTick;
@@ -23,11 +22,16 @@ std::function<u64()> CountingClock() {
 
 }  // namespace
 
-CTaskRegister::CTaskRegister(u64 memoryLimitBytes, const std::filesystem::path& programFolder)
-    : m_settings(RegisterSettingsWithin(memoryLimitBytes)) {
-    m_settings.programFolder = programFolder;
-    m_settings.tickCount = CountingClock();
+TRegisterSettings TaskRegisterSettings(u64 memoryLimitBytes,
+                                       const std::filesystem::path& programFolder) {
+    TRegisterSettings settings = RegisterSettingsWithin(memoryLimitBytes);
+    settings.programFolder = programFolder;
+    settings.tickCount = CountingClock();
+    return settings;
 }
+
+CTaskRegister::CTaskRegister(u64 memoryLimitBytes, const std::filesystem::path& programFolder)
+    : m_settings(TaskRegisterSettings(memoryLimitBytes, programFolder)) {}
 
 TAggregatedTemporaryChessboardRegister* CTaskRegister::ForHalfMoves(u16 halfMoves) {
     if (halfMoves < kRegisterRoot)

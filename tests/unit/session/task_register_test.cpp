@@ -1,5 +1,5 @@
-#include "cli/task_register.h"
 #include "core/search_context.h"
+#include "session/task_register.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,4 @@
-// The register of solved positions that tasks use one after another.
-//
-// Threads: it belongs to the thread that runs the tasks; what it hands out may be read by any.
+// Registers of solved positions as the fronts of the program make them.
 #pragma once
 
 #include "registers/aggregated_register.h"
@@ -10,6 +8,15 @@
 
 namespace quillmere {
 
+// Settings of a register of so many bytes, with its log in `programFolder`. It has a clock of its
+// own that goes on with the questions for the time, so that a search on one thread meets the same
+// register in every run.
+TRegisterSettings TaskRegisterSettings(u64 memoryLimitBytes,
+                                       const std::filesystem::path& programFolder);
+
+// The register that tasks use one after another.
+//
+// Threads: it belongs to the thread that runs the tasks; what it hands out may be read by any.
 class CTaskRegister {
 public:
     // `programFolder`: where its log is kept, see TRegisterSettings.
