@@ -1,8 +1,10 @@
-// quillmere solve: one position, or one a line on standard input.
+// quillmere solve: one position, one a line on standard input, or a problem of a file.
 #include "cli/columns.h"
 #include "cli/commands.h"
 #include "cli/json.h"
 #include "cli/report.h"
+#include "cli/solve_file.h"
+#include "cli/solve_report.h"
 #include "cli/task_arguments.h"
 #include "cli/task_heuristics.h"
 #include "cli/task_log.h"
@@ -55,45 +57,16 @@ std::vector<TListedTask> ReadTasksFromInput(const CConsole& console, int halfMov
     return tasks;
 }
 
-std::string JsonText(const TTask& task, const TTaskOutcome& outcome) {
-    const TSolveResult& result = outcome.result;
-    TJson json = {{"schema", kSchema},
-                  {"fen", WritePosition(task.position)},
-                  {"halfMoves", task.halfMoves},
-                  {"moves", FullMovesOfTask(task)},
-                  {"verdict", VerdictWord(result.verdict)},
-                  {"complete", result.isComplete}};
-    AddResultJson(json, task, result);
-    AddPassesJson(json, result);
-    json["nodes"] = result.nodes;
-    json["madeMoves"] = result.madeMoves;
-    json["ms"] = outcome.milliseconds;
-    AddRegisterJson(json, outcome);
-    json["threads"] = result.threads;
-    return JsonLine(json);
-}
-
-EExitCode ExitCodeOf(const TTaskOutcome& outcome) {
-    if (outcome.isInterrupted)
-        return kExitInterrupted;
-    switch (outcome.result.verdict) {
-    case ESolveVerdict::kProvedMate:
-        return kExitDone;
-    case ESolveVerdict::kProvedNoMate:
-        return kExitNoMate;
-    case ESolveVerdict::kDoubt:
-    case ESolveVerdict::kStopped:
-    case ESolveVerdict::kLimit:
-        break;
-    }
-    return kExitUndecided;
-}
-
 }  // namespace
 
 EExitCode RunSolve(const TCommandCall& call) {
     const TArguments& arguments = call.arguments;
     CConsole& console = call.console;
+    const std::string text = JoinWords(arguments.positionals);
+    if (NamesProblemFile(text))
+        return RunSolveFile(call, text);
+    if (arguments.Has("--problem"))
+        throw CUsageException(EMessage::kUsageProblemNeedsFile);
     const int halfMoves = ReadLength(arguments);
     TTaskRequest request = ReadTaskRequest(arguments);
     request.threads = ReadThreads(arguments);
@@ -110,7 +83,6 @@ EExitCode RunSolve(const TCommandCall& call) {
     if (request.wantTries && halfMoves % 2 == 0)
         throw CUsageException(EMessage::kUsageTriesInDefence);
 
-    const std::string text = JoinWords(arguments.positionals);
     const bool isList = text == "-";
     const std::vector<TListedTask> tasks =
         isList ? ReadTasksFromInput(console, halfMoves)
@@ -138,7 +110,7 @@ EExitCode RunSolve(const TCommandCall& call) {
         const TTaskOutcome outcome = RunTask(task, request, ShowProgress(console, task));
         log.Tell(console);
         if (arguments.Has("--json")) {
-            console.Print(JsonText(task, outcome));
+            console.Print(JsonLine(SolveJson(task, outcome)));
         } else {
             std::string report = number == 1 ? "" : "\n";
             if (isList)
@@ -148,7 +120,7 @@ EExitCode RunSolve(const TCommandCall& call) {
                 report += PlanText(console, outcome.result) + "\n";
             console.Print(report + ReportText(console, task, outcome));
         }
-        code = std::max(code, ExitCodeOf(outcome));
+        code = std::max(code, ExitCodeOfOutcome(outcome));
         if (outcome.isInterrupted)
             break;
     }

@@ -7,7 +7,7 @@ import unittest
 from program import ENDLESS, ENDLESS_MOVES, LOYD_3, LOYD_5, ROOT, ProgramTest
 
 START = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -"
-COMMANDS = ["solve", "epd", "perft", "position", "options", "bench"]
+COMMANDS = ["solve", "epd", "batch", "perft", "position", "options", "cp", "bench"]
 
 
 class Help(ProgramTest):
@@ -26,7 +26,7 @@ class Help(ProgramTest):
 
     def test_commands_of_the_future_are_not_listed(self):
         out = self.run_program().out
-        for command in ("batch", "table", "uci", "cp"):
+        for command in ("table", "uci"):
             self.assertNotIn(f"\n  {command} ", out)
 
     def test_version(self):

@@ -158,6 +158,9 @@ class Launcher(unittest.TestCase):
             os.makedirs(self.path(folder))
         self.assertFalse(self.changed(lambda: self.write("tests/new.cpp", "")))
         self.assertFalse(self.changed(lambda: self.write("options.ini", "[chess]")))
+        # What the program keeps for the user is no source.
+        os.makedirs(self.path("SolvedProblemsDB"))
+        self.assertFalse(self.changed(lambda: self.write("SolvedProblemsDB/a.cpdb", "")))
 
     def test_any_folder_and_symlink(self):
         link = os.path.join(self.folder, "link")
