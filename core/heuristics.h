@@ -150,6 +150,7 @@ struct THeuristicSettings {
     u8 FfmCustomRelaxations = 0;
     bool FfmPreliminary = false;
     u32 FfmSavedHeur = 0;
+    bool FfmAddCaptures = false;  // from mode 5 on: of figures next to the black king
 
     // How far the hunt of a single queen has come, 0..3
     u8 QueenMateStage = 0;

@@ -251,6 +251,20 @@ bool CReplyFilter::Build(const TChessboard& node, TMove reply) {
     return true;
 }
 
+// A pass is touched by nothing. En passant captures are no destinations of the analysis, so that they
+// may always mate.
+bool CReplyFilter::BuildPass(const TChessboard& node) {
+    if (HasCastlingMen(node.m_board))
+        return false;
+    m_reply = MakeMove(0, 0);
+    std::memcpy(m_board, node.m_board, sizeof m_board);
+    if (!m_map.Build(m_board, node.BlackKingSquare()))
+        return false;
+    m_touched = 0;
+    m_known = 0;
+    return true;
+}
+
 void CReplyFilter::Analyse(int from) {
     m_known |= SetOf(from);
     m_mayMate[from] = CAnalysis(m_board, m_map, from).Run(m_touched);

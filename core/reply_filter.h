@@ -24,6 +24,10 @@ public:
     // can be said about this reply in this node, and MayMate must not be asked.
     bool Build(const TChessboard& node, TMove reply);
 
+    // The same with a pass in the place of the reply: MayMate answers false where white's move is
+    // illegal, or where it neither checks nor threatens mate in one.
+    bool BuildPass(const TChessboard& node);
+
     TMove Reply() const { return m_reply; }
 
     // `move` is a pseudo-legal white move of the node. False: it is illegal, or the reply is legal

@@ -1,13 +1,11 @@
 #include "core/search_context.h"
 
-#include "core/platform/tick_count.h"
-
 namespace quillmere {
 
 void TSearchContext::ResetAnalysis() {
     nodeCount.store(0, std::memory_order_relaxed);
     isNodeLimitReached.store(false, std::memory_order_relaxed);
-    relaxationTimes.Start(TickCount());
+    relaxationTimes.Start(relaxationClock());
 }
 
 CStopSlotLock::CStopSlotLock(TSearchContext& context) : m_context(context) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "core/chessboard.h"
+#include "core/platform/tick_count.h"
 #include "core/relaxation_times.h"
 
 #include <atomic>
@@ -28,6 +29,10 @@ constexpr u16 kAllThreads = 65535;
 // Half-moves of the root from which on the register of solved positions is used: below it the task
 // is solved faster than the register fills. (docs/measurements.md tells what a lower bound would bring.)
 constexpr u16 kRegisterRoot = 10;
+
+// m_shLookForQuickerMateDepth: the search chooses by itself. A user gives full moves, up to this many.
+constexpr i16 kQuickMateDepthUnset = -1;
+constexpr int kMaxQuickMateMoves = 16;
 
 enum class ERotate : u8 { kNone = 0, kSwap = 1, kMoveToEnd = 2 };
 
@@ -84,6 +89,11 @@ struct TSearchContext {
     u8 ZugzwangBoard[kSquareCount] = {};
     // When the passes of this analysis ended, for the ladder of heuristics.
     CRelaxationTimes relaxationTimes;
+    // A pass that ended fast may be followed by one that was not planned: the word then hangs on the
+    // speed of the machine. Off where equal work in every run is promised.
+    bool mayRelaxByTime = false;
+    // Milliseconds from any start, for that decision; tests put their own in its place.
+    u64 (*relaxationClock)() = TickCount;
     // Where the ladder tells its steps (heuristics/relaxation_log.h); null for nowhere. Whoever
     // made it owns it.
     CRelaxationLog* relaxationLog = nullptr;
@@ -91,8 +101,8 @@ struct TSearchContext {
     u32 requiredHeuristics = 0;
     // The task was turned round for a black mate, so that texts tell squares the other way up.
     bool areColoursSwapped = false;
-    // Half-moves of the search for quicker mates; -1 for the default.
-    i16 m_shLookForQuickerMateDepth = -1;
+    // Half-moves of the search for quicker mates (search/quick_mate.h).
+    i16 m_shLookForQuickerMateDepth = kQuickMateDepthUnset;
     // Highest level (half-moves) whose repetition counts; 0 switches the test off.
     u16 repetitionBound = 65535;
 

@@ -41,6 +41,17 @@ struct TReplay {
     const TMove* list = nullptr;
 };
 
+// A search for a quicker mate, inside the node that asked for it.
+struct TQuickSearch {
+    bool isRunning = false;
+    bool isChecksOnly = false;  // white's moves that give no check are left out
+    // Half-moves that the node has beyond the depth of the quick search: a known mate that is longer
+    // by no more is a mate for the node all the same.
+    u16 additional = 0;
+    // Such a mate was met: from here on what the quick search proves needs the additional half-moves.
+    bool hasUsedAdditional = false;
+};
+
 // Figures captured on the line of play, the first three of each colour.
 struct TCaptureList {
     u8 square[3] = {};
@@ -62,6 +73,9 @@ constexpr u16 kNoTakeOver = 0xffff;
 constexpr u8 kThreadRuns = 0;
 constexpr u8 kThreadWaits = 1;
 constexpr u8 kThreadStops = 2;
+constexpr u8 kThreadAtLimit = 3;  // stops by its own limit of work
+
+constexpr u64 kNoWorkLimit = ~u64{0};
 
 struct TThreadContext {
     // Room for a root of `rootHalfMoves` half-moves. The root node itself is the caller's.
@@ -99,6 +113,13 @@ struct TThreadContext {
 
     // Moves made by this thread, every kind of make-move counted.
     u64 madeMoves = 0;
+    // The search of the thread stops itself (kThreadAtLimit) at the first white node, but for those
+    // of the last move, that finds as many moves made.
+    u64 workLimit = kNoWorkLimit;
+    // The search for a quicker mate that the thread is in (search/quick_mate.h).
+    TQuickSearch quickSearch;
+    // As TSearchContext::isExact, for the search that the thread is in.
+    bool isSafe = false;
     // What it remembers about moves, null for nothing. Whoever made it owns it.
     TMoveMemory* moveMemory = nullptr;
     // Room for the replies that a node with three half-moves left filters its moves by; such nodes
@@ -111,6 +132,12 @@ struct TThreadContext {
     // Black's promotion and white's mate: set when white answered a queen promotion with an
     // immediate mate that does not capture on the promotion square.
     bool isPromotionSquareFree = false;
+
+    // The root as the selection of heuristics weighed it: 9 a queen, 5 a rook, 3 a bishop or knight, 1
+    // a pawn; and black's men besides the king that have a legal move.
+    u16 rootWhiteMaterial = 0;
+    u16 rootBlackMaterial = 0;
+    u8 rootMovableBlackMen = 0;
 
     // Assumptions, and what the make-moves read of them
     THeuristicSettings heuristics;

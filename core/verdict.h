@@ -18,4 +18,9 @@ constexpr TVerdict kRepetition = -3;    // depends on a repetition higher up
 constexpr TVerdict kEndOfForced = -4;   // end of the depth of a forced search; never stored
 constexpr TVerdict kNoSplit = -128;     // between a thread split and its node only
 
+// Something was left out: neither a mate nor its absence is proved.
+constexpr bool IsDoubtful(TVerdict verdict) {
+    return verdict == kDoubtful || verdict == kEndOfForced;
+}
+
 }  // namespace quillmere
