@@ -10,4 +10,8 @@ namespace quillmere {
 // it has no move on it. White is not in check.
 bool TriangleMoves(const TChessboard& node, TMoveList& list);
 
+// Two squares of a triangle for the white king of a root with white to move; kNoSquare where there is
+// none. They are not stored. The node is left as it was; it needs a thread context.
+bool FindZugzwangTriangle(TChessboard& node, u8 (&squares)[2]);
+
 }  // namespace quillmere

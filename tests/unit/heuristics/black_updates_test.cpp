@@ -85,7 +85,11 @@ INSTANTIATE_TEST_SUITE_P(
         TUpdateCase{"Swings", SH_SEASNAKE, kSnake, 8, "a8a7", true, false, Pendulum},
         TUpdateCase{"SwingsBack", SH_SEASNAKE, kSnake, 8, "a8a7 e1e2 a7a8", true, false, Pendulum},
         TUpdateCase{"Leaves", SH_SEASNAKE, kSnake, 8, "a8b8", false, false, Pendulum},
-        TUpdateCase{"AnotherMan", SH_SEASNAKE, kSnake, 8, "h8g8", true, false, Pendulum},
+        TUpdateCase{"AnotherMan", SH_SEASNAKE, kSnake, 8, "h8g8", false, false, Pendulum},
+        TUpdateCase{
+            "AnotherManOfTheUsers", SH_SEASNAKE, kSnake, 8, "h8g8", true, false, PendulumByUser},
+        TUpdateCase{
+            "APawn", SH_SEASNAKE, "r6k/7p/8/8/8/8/8/R3K3", 8, "h7h6", true, false, Pendulum},
         TUpdateCase{"LeavesTheUsers", SH_SEASNAKE, kSnake, 8, "a8b8", true, true, PendulumByUser},
         TUpdateCase{"SwingsByTheUser", SH_SEASNAKE, kSnake, 8, "a8a7", true, false, PendulumByUser},
         TUpdateCase{"BeforeThePlan", SH_SEASNAKE, kSnake, 8, "a8b8", true, false, PendulumLater}),
