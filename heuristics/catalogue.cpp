@@ -154,6 +154,7 @@ std::string ParameterText(EHeuristicParameters parameters, const THeuristicChoic
     const THeuristicSettings& settings = choice.settings;
     switch (parameters) {
     case kNoParameters:
+    case kZugzwangMoves:
         break;
     case kEdge:
         return EdgeText(settings);

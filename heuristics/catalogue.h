@@ -31,6 +31,7 @@ enum class EHeuristicParameters : u8 {
     kKeyWhiteFigure,    // a square
     kNearCorner,        // 1S to 5S, 1M, 2M
     kSeaSnake,          // approach, turn back, number of moves to be played before
+    kZugzwangMoves,     // the moves that lead to the position; read, never written
 };
 
 struct THeuristicRow {

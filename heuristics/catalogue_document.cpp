@@ -18,6 +18,18 @@ constexpr const char* kHead =
     "quickly, and a mate that it finds is a mate; but \"no mate\" is proved by a pass without them "
     "only.\n"
     "\n"
+    "Without a word from the user the program chooses one (`--heuristics auto`). Heuristics that "
+    "hardly ever\n"
+    "cost a solution are taken by the look of the board. Those that restrict the play are tried "
+    "first, the\n"
+    "strict and cheap ones before the others, and one stands only if a trial under it saw the "
+    "mate. So the\n"
+    "choice never changes an answer; it is the same in every run, and `--explain` tells its "
+    "reasons.\n"
+    "Long tasks begin with a proof-number search without heuristics; where it decides the task "
+    "nothing is\n"
+    "chosen. It makes the trials too, and goes on under the chosen heuristics before the passes.\n"
+    "\n"
     "In texts a choice of heuristics is a list of names, parted by commas, with parameters in "
     "brackets:\n"
     "\n"
@@ -45,6 +57,9 @@ constexpr const char* kHead =
     "  pawn is far advanced; `D3,M5` puts the test off by 3 moves, so that it falls due below 5 "
     "half-moves.\n"
     "  Relaxations that only `SH_KEEPKINGWITHINEXTEDGE` names are for it alone.\n"
+    "- For `SH_SEASNAKE` without squares, and for `SH_ZUGZWANGTRIANGLES`, which has none in texts, "
+    "`solve`\n"
+    "  looks for the squares itself; where it finds none the heuristic leaves nothing out.\n"
     "\n"
     "| Name | Bit | Label | Parameters | Assumption |\n"
     "|---|---|---|---|---|\n";
@@ -85,6 +100,8 @@ const char* ParametersOf(EHeuristicParameters parameters) {
     case kSeaSnake:
         return "squares of the approach and of the turn back, `C3,D4`; number of moves played "
                "before";
+    case kZugzwangMoves:
+        return "the moves from the start that lead to it, `Kd3-e3,Kb8-a8,Ke3-d3`";
     }
     return "none";
 }

@@ -58,6 +58,8 @@ THeuristicChoice ChoiceOf(const TChessboard& node) {
         choice.KeyLineFile = context.KeyLineFile;
         choice.onlyAfterCount = context.SeaSnakeOnlyAfter.size();
         choice.areColoursSwapped = context.areColoursSwapped;
+        choice.HasZugzwangPosition = context.HasZugzwangPosition;
+        std::ranges::copy(context.ZugzwangBoard, choice.ZugzwangBoard);
     }
     TurnSquares(choice);
     return choice;
@@ -74,6 +76,8 @@ void StoreChoice(TChessboard& node, const THeuristicChoice& given) {
         TrackBlockedFigures(node);
     std::ranges::copy(choice.KeyDiagonalSquares, context.KeyDiagonalSquares);
     context.KeyLineFile = choice.KeyLineFile;
+    context.HasZugzwangPosition = choice.HasZugzwangPosition;
+    std::ranges::copy(choice.ZugzwangBoard, context.ZugzwangBoard);
     node.m_captureState =
         static_cast<u8>((node.m_captureState & ~kOneColourMask) | choice.OneColorMode);
     SetHeur(node, choice.heur);

@@ -23,6 +23,9 @@ struct THeuristicChoice {
     u8 KeyDiagonalSquares[2] = {kNoSquare, kNoSquare};
     u8 KeyLineFile = kNoSquare;
     std::size_t onlyAfterCount = 0;  // moves of SeaSnakeOnlyAfter; never written back
+    // The position of SH_ZUGZWANG as on the board of the search, whatever the user sees.
+    bool HasZugzwangPosition = false;
+    u8 ZugzwangBoard[kSquareCount] = {};
 };
 
 // A square of the choice on the board, and the other way round; kNoSquare stays.

@@ -4,6 +4,7 @@
 #include "heuristics/parameter_words.h"
 #include "heuristics/pinned_figure.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace quillmere {
@@ -13,6 +14,8 @@ namespace {
 constexpr int kMostCaptures = 15;
 // Twice as many half-moves still fit the field of the limit.
 constexpr int kMostDeferredMoves = 32767;
+// The mode of forced mates and its relaxations stay below it.
+constexpr int kForcedModes = 10;
 
 bool IsBlackFigureAt(const TChessboard& board, u8 square) {
     return square < kSquareCount && IsBlack(board.m_board[square]) &&
@@ -29,6 +32,12 @@ bool IsDiagonal(const u8 (&squares)[2]) {
         return false;
     return std::abs(FileOf(squares[0]) - FileOf(squares[1])) ==
            std::abs(RankOf(squares[0]) - RankOf(squares[1]));
+}
+
+// The more relaxations of the two rounds.
+int ForcedMateRelaxations(const THeuristicSettings& settings) {
+    return std::max(settings.FfmRelaxations,
+                    settings.FfmCustom ? settings.FfmCustomRelaxations : u8{0});
 }
 
 // 1 and up for the first blocked figure whose square holds none; 0 for none such.
@@ -83,6 +92,10 @@ std::optional<THeuristicConflict> FindHeuristicConflict(u32 heur,
         return {{kConflictKeyLine, {}}};
     if (has(SH_KEYDIAGONAL) && !IsDiagonal(context.KeyDiagonalSquares))
         return {{kConflictKeyDiagonal, {}}};
+    if (has(SH_FINDFORCEDMATE) &&
+        ForcedMateRelaxations(settings) > kForcedModes - settings.FfmMode - 1)
+        return {{kConflictForcedMateTooManyRelaxations,
+                 {std::to_string(kForcedModes - settings.FfmMode - 1)}}};
     if (has(SH_FINDFORCEDMATE | SH_SEASNAKE))
         return {{kConflictForcedMateAndSeaSnake, {}}};
     if (has(SH_ZUGZWANG) && !context.HasZugzwangPosition)

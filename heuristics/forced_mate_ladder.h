@@ -13,8 +13,10 @@ namespace quillmere {
 // SH_ASSERTBLACKKINGSURROUNDED. Does nothing without that setting, or without SH_FINDFORCEDMATE.
 void ApplyFfmPreliminary(TChessboard& node);
 
-// One relaxation while SH_FINDFORCEDMATE is on; answers as TryRelaxSpecialHeuristics. The end of
-// the preliminary pass brings the kept word back; otherwise the bit goes.
+// One relaxation while SH_FINDFORCEDMATE is on, white to move; answers as TryRelaxSpecialHeuristics,
+// below 0 where the time of the passes allowed one more. The end of the preliminary pass brings the
+// kept word back, then the mode rises, a cycle that runs twice begins again, and at last the bit
+// goes.
 int TryRelaxFfm(TChessboard& node);
 
 // A pass that ended so fast that one more, with a weaker rule, costs next to nothing: the analysis

@@ -131,6 +131,8 @@ void PutForcedMate(CFold& fold, const THeuristicSettings& settings) {
     const u32 other = static_cast<u32>(settings.FfmWithOther) * 2;
     fold.Put(7, settings.FfmCustom ? mode - kCustomOffset : mode + other - kOffset);
     fold.Put(0, settings.FfmPreliminary);
+    if (settings.FfmAddCaptures)
+        fold.Put(1, 1);
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "heuristics/parameter_reader.h"
 
 #include "core/chess_exception.h"
+#include "core/colour_swap.h"
+#include "core/notation.h"
+#include "core/play_board.h"
 #include "core/text.h"
 #include "heuristics/parameter_words.h"
 #include "heuristics/pinned_figure.h"
@@ -27,6 +30,7 @@ void ResetParameters(EHeuristicParameters kind, bool doKeepShared, THeuristicCho
     }
     switch (kind) {
     case kNoParameters:
+    case kZugzwangMoves:  // the position stays: it may be the problem's own
         break;
     case kEdge:
         settings.StrictKingMove = false;
@@ -125,6 +129,7 @@ private:
     void ReadDiagonal(const std::string& word, int index);
     void ReadNearCorner(const std::string& word);
     void ReadSeaSnake(const std::string& word, int index);
+    void StoreZugzwangPosition();
     void Claim(char letter, const std::string& word);
     void SettleRelaxOnlyExtEdge();
 
@@ -134,6 +139,7 @@ private:
     bool m_isSharedOn;
     bool m_hasRelaxations = false;
     std::string m_claimed;
+    std::vector<std::string> m_zugzwangMoves;
     std::string m_deferLimit;
 };
 
@@ -155,6 +161,7 @@ int LimitOf(EHeuristicParameters parameters) {
     using enum EHeuristicParameters;
     switch (parameters) {
     case kNoParameters:
+    case kZugzwangMoves:  // no limit
         return 0;
     case kDiagonal:
         return 2;
@@ -358,6 +365,35 @@ void CParameterReader::ReadSeaSnake(const std::string& word, int index) {
     }
 }
 
+// The moves are the user's, so they are played on the user's board, which may be the other way up. The
+// last one is the attacker's: it is the defender who is in zugzwang.
+void CParameterReader::StoreZugzwangPosition() {
+    if (m_zugzwangMoves.empty())
+        return;
+    const bool isSwapped = m_choice.areColoursSwapped;
+    const bool isAttackerFirst = m_node.IsWhiteToMove();
+    try {
+        CPlayBoard board(isSwapped ? SwapColours(m_node) : m_node,
+                         isSwapped == isAttackerFirst,
+                         static_cast<int>(m_zugzwangMoves.size()));
+        for (const std::string& text : m_zugzwangMoves) {
+            TMove move{};
+            ParseMove(board.Node(), move, text);
+            board.Play(move);
+        }
+        if (board.IsBlackToMove() == isSwapped)
+            throw ChessException(EMessage::kConflictZugzwangMove);
+        const TChessboard& end = board.Node();
+        for (int square = 0; square < kSquareCount; ++square) {
+            m_choice.ZugzwangBoard[isSwapped ? SwapSquare(square) : square] =
+                isSwapped ? SwapFigure(end.m_board[square]) : end.m_board[square];
+        }
+        m_choice.HasZugzwangPosition = true;
+    } catch (const ChessException&) {
+        throw ChessException(EMessage::kConflictZugzwangMove);
+    }
+}
+
 void CParameterReader::ReadWord(const std::string& word, int index) {
     using enum EHeuristicParameters;
     THeuristicSettings& settings = m_choice.settings;
@@ -409,6 +445,9 @@ void CParameterReader::ReadWord(const std::string& word, int index) {
         return ReadNearCorner(word);
     case kSeaSnake:
         return ReadSeaSnake(word, index);
+    case kZugzwangMoves:
+        m_zugzwangMoves.push_back(word);
+        break;
     }
 }
 
@@ -436,13 +475,16 @@ void CParameterReader::Read(const std::vector<std::string>& parameters) {
         if (limit > 0 && static_cast<int>(i) >= limit)
             FailTooMany(word, limit);
         for (std::size_t j = 0; j < i; ++j) {
-            if (IsSameWord(word, parameters[j]))
+            // A line may come back to a move.
+            if (m_row.parameters != EHeuristicParameters::kZugzwangMoves &&
+                IsSameWord(word, parameters[j]))
                 Fail(EMessage::kHeuristicParameterTwice, word);
         }
         ReadWord(word, static_cast<int>(i));
     }
     if (m_claimed.find('M') != std::string::npos && m_claimed.find('D') == std::string::npos)
         Fail(EMessage::kHeuristicLimitWithoutDefer, m_deferLimit);
+    StoreZugzwangPosition();
     m_choice.heur |= m_row.bit;
     if (m_row.parameters == EHeuristicParameters::kExtEdge && m_isSharedOn && !hadRelaxations &&
         m_hasRelaxations)

@@ -49,21 +49,35 @@ std::string CRelaxationLog::LineOf(const TChessboard& node, bool before) const {
            "\n";
 }
 
-void CRelaxationLog::Write(const TChessboard& node, bool before) noexcept {
+template <class TMakeLine>
+void CRelaxationLog::Append(TMakeLine makeLine) noexcept {
     if (!g_options.TryRelaxSpecialHeuristicsLog || m_file.empty())
         return;
     try {
         const std::lock_guard hold(LogMutex());
-        std::ofstream(m_file, std::ios::app) << LineOf(node, before);
+        std::ofstream(m_file, std::ios::app) << makeLine();
     } catch (const std::exception&) {
         // No memory for the line: it is lost, as told in the header.
         return;
     }
 }
 
+void CRelaxationLog::Write(const TChessboard& node, bool before) noexcept {
+    Append([&] { return LineOf(node, before); });
+}
+
+void CRelaxationLog::WriteLine(const std::string& line) noexcept {
+    Append([&line] { return line + "\n"; });
+}
+
 void LogRelaxation(const TChessboard& node, bool before) {
     if (node.m_searchContext != nullptr && node.m_searchContext->relaxationLog != nullptr)
         node.m_searchContext->relaxationLog->Write(node, before);
+}
+
+void LogRelaxationTime(const TChessboard& node, const std::string& line) {
+    if (node.m_searchContext != nullptr && node.m_searchContext->relaxationLog != nullptr)
+        node.m_searchContext->relaxationLog->WriteLine(line);
 }
 
 }  // namespace quillmere

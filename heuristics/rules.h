@@ -15,9 +15,30 @@
 
 namespace quillmere {
 
-// Any rule of the mask is in force at the node.
+namespace rules {
+
+// Behind the tests of the word below; not for other callers.
+bool DoOthersRest(const TChessboard& node);  // forced_mate_word.cpp
+void CutToForcedMate(TChessboard& node);     // forced_mate_word.cpp
+
+}  // namespace rules
+
+// The word is followed on the line, whether or not its rules are in force at the node.
+inline bool IsWordOn(const TChessboard& node) {
+    return node.Heur != 0 && node.m_pass < kPassComplete;
+}
+
+// Any rule of the mask is in force at the node. While forced mates are looked for, the others may
+// rest.
 inline bool AreRulesOn(const TChessboard& node, u32 mask) {
-    return (node.Heur & mask) != 0 && node.m_pass < kPassComplete;
+    return (node.Heur & mask) != 0 && node.m_pass < kPassComplete &&
+           ((node.Heur & SH_FINDFORCEDMATE) == 0 || !rules::DoOthersRest(node));
+}
+
+// While forced mates are looked for without any other rule: takes the others off the node's word.
+inline void CutToForcedMate(TChessboard& node) {
+    if ((node.Heur & SH_FINDFORCEDMATE) != 0 && node.m_pass < kPassComplete)
+        rules::CutToForcedMate(node);
 }
 
 namespace rules {
@@ -71,11 +92,11 @@ inline bool IsReplyLeftOut(TChessboard& child) {
 // The word of the subtree, after each move that was made, before anything else looks at the child.
 // HeurParams follows.
 inline void UpdateAfterWhiteMove(TChessboard& child) {
-    if (AreRulesOn(child, ~u32{0}))
+    if (IsWordOn(child))
         rules::UpdateAfterWhiteMove(child);
 }
 inline void UpdateAfterBlackMove(TChessboard& child) {
-    if (AreRulesOn(child, ~u32{0}))
+    if (IsWordOn(child))
         rules::UpdateAfterBlackMove(child);
 }
 

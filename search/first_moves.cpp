@@ -33,6 +33,7 @@ int CFirstMoves::AddWorker(TThreadContext& thread) {
     const std::lock_guard lock(m_mutex);
     TWorker worker;
     worker.thread = &thread;
+    worker.pass = m_leadPasses - 1;
     m_workers.push_back(worker);
     return static_cast<int>(m_workers.size()) - 1;
 }
@@ -40,6 +41,11 @@ int CFirstMoves::AddWorker(TThreadContext& thread) {
 void CFirstMoves::RemoveWorker(int worker) {
     const std::lock_guard lock(m_mutex);
     m_workers[worker].thread = nullptr;
+}
+
+void CFirstMoves::CloseLeadPass() {
+    const std::lock_guard lock(m_mutex);
+    m_leadPasses = static_cast<int>(m_passes.size());
 }
 
 void CFirstMoves::EnterPass(int worker,
@@ -131,6 +137,16 @@ std::vector<CFirstMoves::TDecision> CFirstMoves::Decisions() const {
     return {m_entries.begin(), m_entries.end()};
 }
 
+std::vector<TMove> CFirstMoves::DecidedMoves() const {
+    const std::lock_guard lock(m_mutex);
+    std::vector<TMove> moves;
+    for (const TEntry& entry : m_entries) {
+        if (entry.isDecided)
+            moves.push_back(entry.move);
+    }
+    return moves;
+}
+
 std::vector<TPassRecord> CFirstMoves::Passes() const {
     const std::lock_guard lock(m_mutex);
     std::vector<TPassRecord> passes = m_passes;
@@ -138,6 +154,16 @@ std::vector<TPassRecord> CFirstMoves::Passes() const {
         return std::any_of(m_entries.begin(), m_entries.end(), [&](const TEntry& entry) {
             return entry.isDecided && entry.isMate && entry.passIndex <= pass;
         });
+    };
+    // Every move was decided by then; for black a defence that holds is enough.
+    const auto isDecidedBy = [&](int pass) {
+        const auto isDecided = [pass](const TEntry& entry) {
+            return entry.isDecided && entry.passIndex <= pass;
+        };
+        return std::all_of(m_entries.begin(), m_entries.end(), isDecided) ||
+               std::any_of(m_entries.begin(), m_entries.end(), [&](const TEntry& entry) {
+                   return !m_wish.isWhite && IsSolution(entry) && isDecided(entry);
+               });
     };
     // White has a mate from the pass on that finds the first; black is mated in the one that refutes
     // the last of its moves.
@@ -149,8 +175,7 @@ std::vector<TPassRecord> CFirstMoves::Passes() const {
                                            : isLast && areAllMates && m_undecided == 0;
         if (isMate)
             passes[i].verdict = ESolveVerdict::kProvedMate;
-        else if (passes[i].Heur == 0 && passes[i].pass >= kPassComplete &&
-                 (m_undecided == 0 || (!m_wish.isWhite && m_solutions != 0)))
+        else if (isDecidedBy(static_cast<int>(i)))
             passes[i].verdict = ESolveVerdict::kProvedNoMate;
     }
     return passes;

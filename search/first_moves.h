@@ -68,6 +68,8 @@ public:
                    const TChessboard& root,
                    const std::string& name,
                    bool isUnderWord = true);
+    // A pass that stood before the threads' own is over: whoever is added from now on begins behind it.
+    void CloseLeadPass();
     // Counters of the pass go to its record. True if no thread is in this pass or before it any more.
     bool LeavePass(int worker, u64 nodes, u64 madeMoves, u64 milliseconds);
 
@@ -83,6 +85,8 @@ public:
     bool Report(int worker, TMove move, TVerdict verdict, bool isComplete);
     // Decided without a search.
     void Decide(int worker, TMove move, TVerdict verdict);
+
+    std::vector<TMove> DecidedMoves() const;
 
     // Results, after the threads have ended
 
@@ -117,6 +121,7 @@ private:
     std::vector<TWorker> m_workers;
     std::vector<TPassRecord> m_passes;
     std::map<int, bool> m_relaxations;  // by pass: a weaker word is wanted behind it
+    int m_leadPasses = 0;
     int m_solutions = 0;
     int m_undecided = 0;
 };

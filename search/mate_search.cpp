@@ -8,10 +8,13 @@
 #include "core/platform/tick_count.h"
 #include "core/rights.h"
 #include "heuristics/rules.h"
+#include "search/forcing_moves.h"
+#include "search/heuristic_fallback.h"
 #include "search/move_ordering.h"
 #include "search/moves_log.h"
 #include "search/node_hooks.h"
 #include "search/pause.h"
+#include "search/quick_mate.h"
 #include "search/refuted_moves.h"
 #include "search/register_access.h"
 #include "search/repetition.h"
@@ -126,7 +129,8 @@ private:
 // A pass that proves nothing negative while a heuristic is on: generators may have left moves out
 // without a count.
 bool IsHeuristicsDoubtful(const TChessboard& node) {
-    return node.Heur != 0 && (node.m_pass >= kPassComplete || node.m_searchContext->isExact);
+    return node.Heur != 0 && (node.m_pass >= kPassComplete || node.m_searchContext->isExact ||
+                              node.m_threadContext->isSafe);
 }
 
 // Black promoted to a queen and white mates at once without taking on the promotion square: rook
@@ -211,6 +215,8 @@ bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& ret
         for (int i = 0; i < list.count; ++i)
             list[i] = replay.list[i];
         replay.flag = 0;
+        if (IsForcedListOn(node))
+            taint.LeftOut();  // the node that shared its list out had cut it
         return true;
     }
     if (ReplaceWhiteMoves(node, list)) {
@@ -220,6 +226,10 @@ bool ListWhiteMoves(TChessboard& node, TMoveList& list, CTaint& taint, bool& ret
             return true;
         list.count = node.m_whiteInCheck >= 0 ? GetWhiteEvasions(node, list.moves)
                                               : GetAllWhiteMoves(node, list.moves);
+    }
+    if (IsForcedListOn(node)) {
+        taint.LeftOut();
+        list.count = KeepForcingMoves(node, list.count, list.moves);
     }
     if ((node.Heur & SH_USEBLOCKBLACKPAWNSLEVEL) != 0)
         return true;
@@ -272,6 +282,7 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
     const int level = node.m_nMoves;
     assert(node.IsWhiteToMove() && node.m_blackInCheck < 0);
     thread.ClearHorizon(level);
+    CutToForcedMate(node);
 
     // Step 1. Ask the endgame tables.
     if ((node.m_positionFlags & kPositionHasTables) != 0) {
@@ -294,6 +305,8 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
         CountNode(node);
     if (level == 1)
         return FindMateAtLastMove(node);
+    if (IsWorkUsedUp(node))
+        return kNoMate;
 
     // Step 4. Patterns that mate, near the root of a long task.
     if (level > kPatternLevel && node.Ply() < kNearRoot && node.BlackKingEdgeDistance() == 0 &&
@@ -309,6 +322,22 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
         !hooks::KnightsKeepColour(node) && hooks::TryOneColourMate(node))
         return kMate;
 
+    // Look for a quicker mate, before there is a list.
+    if (MayTryQuickMates(node)) {
+        const TVerdict quick = TryQuickMates(node);
+        if (IsStopped(node))
+            return kNoMate;
+        if (quick == kMate)
+            return kMate;
+    }
+    if (MayFallBack(node)) {
+        const bool isMate = MatesByFallback(node);
+        if (IsStopped(node))
+            return kNoMate;
+        if (isMate)
+            return kMate;
+    }
+
     // Step 7. Generate and order the moves.
     CTaint taint;
     const u8 replayFlag = thread.replay.flag;
@@ -319,6 +348,10 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
     if (!ListWhiteMoves(node, list, taint, retry)) {
         StoreMateIf(node);
         return kMate;
+    }
+    if (list.count == 0 && IsForcedListOn(node)) {
+        NoteDoubtIf<kLogged>(thread, SH_FINDFORCEDMATE);
+        return kEndOfForced;
     }
 
     // Step 8. Split the node over threads.
@@ -362,6 +395,10 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
         }
         if (made != kMoveMade)
             continue;
+        if (child.m_blackInCheck < 0 && thread.quickSearch.isChecksOnly) {
+            taint.LeftOut();
+            continue;
+        }
         UpdateAfterWhiteMove(child);
         LogMoveIf<kLogged>(child, move);
 
@@ -435,10 +472,10 @@ TVerdict FindMateTwin(TChessboard& node, bool useRegister) {
 
     // Step 13. Store. A horizon at or below this level lies inside this subtree: it is resolved.
     if (replayFlag <= 1 && MayUseRegister(node)) {
-        if (isDoubtful)
-            StoreDoubtful(node);
-        else
+        if (!isDoubtful)
             StoreNoMate(node);
+        else if (!thread.quickSearch.isChecksOnly)  // the doubt would be that of full lists
+            StoreDoubtful(node);
     }
 
     // Step 14. A list that the sort had cut for a heuristic is run again in full.

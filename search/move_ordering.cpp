@@ -23,6 +23,7 @@
 #include "core/move_generation.h"
 #include "core/search_context.h"
 #include "core/thread_context.h"
+#include "heuristics/key_square.h"
 #include "search/register_access.h"
 
 #include <algorithm>
@@ -190,9 +191,10 @@ int SortWhiteMovesLean(TChessboard& node, int count, TMove* list) {
         TChessboard& child = CopyForMove(node);
         const int made = MakeWhiteMove(child, list[i]);
         // A move that an assumption leaves out stays: the node must hear of it.
-        const int key = made == kMoveIllegal   ? kKeyDropped
-                        : made == kMoveLeftOut ? kKeyGreatest
-                                               : LeanKey(child, list[i]);
+        const int key = made == kMoveIllegal ? kKeyDropped
+                        : made == kMoveLeftOut
+                            ? kKeyGreatest
+                            : LeanKey(child, list[i]) - KeySquareBonus(node, list[i]);
         list[i].enPassant = static_cast<u8>(key);
     }
     SortByKey<i8>(list, count);
@@ -219,6 +221,8 @@ int SortWhiteMoves(TChessboard& node,
             key.key = kKeyGreatest;
         else
             key = FullKey(child, list[i]);
+        if (key.key <= kKeyGreatest)
+            key.key = std::max(0, key.key - KeySquareBonus(node, list[i]));
         if (key.isMate) {
             *mateFound = 1;
             *quietCount = 0;

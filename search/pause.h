@@ -45,4 +45,20 @@ inline bool IsStopped(const TChessboard& node) {
     return node.m_threadContext->stopLevel.load(std::memory_order_relaxed) >= kThreadStops;
 }
 
+// The thread has used up its limit of work: it stops itself, unless it has been stopped already.
+inline bool IsWorkUsedUp(const TChessboard& node) {
+    TThreadContext& thread = *node.m_threadContext;
+    if (thread.madeMoves < thread.workLimit)
+        return false;
+    u8 expected = kThreadRuns;
+    thread.stopLevel.compare_exchange_strong(expected, kThreadAtLimit, std::memory_order_relaxed);
+    return expected != kThreadWaits;
+}
+
+// The search that had the limit of work is over: the thread runs on, unless it was stopped from outside.
+inline void LiftWorkLimitStop(TThreadContext& thread) {
+    u8 expected = kThreadAtLimit;
+    thread.stopLevel.compare_exchange_strong(expected, kThreadRuns, std::memory_order_relaxed);
+}
+
 }  // namespace quillmere

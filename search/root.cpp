@@ -90,8 +90,7 @@ private:
 void TakeHeuristics(TChessboard& root, const TChessboard& given) {
     TSearchContext& context = *root.m_searchContext;
     const TSearchContext& from = *given.m_searchContext;
-    THeuristicSettings& settings = root.m_threadContext->heuristics;
-    settings = given.m_threadContext->heuristics;
+    root.m_threadContext->heuristics = given.m_threadContext->heuristics;
     if (&context != &from) {
         context.isExact = from.isExact.load();
         std::copy(std::begin(from.KeyDiagonalSquares),
@@ -105,6 +104,11 @@ void TakeHeuristics(TChessboard& root, const TChessboard& given) {
             std::begin(from.ZugzwangBoard), std::end(from.ZugzwangBoard), context.ZugzwangBoard);
         context.m_shLookForQuickerMateDepth = from.m_shLookForQuickerMateDepth;
     }
+    PrepareWord(root, given.Heur);
+}
+
+void PrepareWord(TChessboard& root, u32 heur) {
+    THeuristicSettings& settings = root.m_threadContext->heuristics;
     TrackBlockedFigures(root);
     constexpr ECount kKinds[] = {
         kWhiteQueens, kWhiteRooks, kWhiteBishops, kWhiteKnights, kWhitePawns};
@@ -112,7 +116,7 @@ void TakeHeuristics(TChessboard& root, const TChessboard& given) {
         settings.InitialWhiteCounts[i] = root.m_counts[kKinds[i]];
         settings.InitialBlackCounts[i] = root.m_counts[kKinds[i] + 1];
     }
-    SetHeur(root, given.Heur);
+    SetHeur(root, heur);
     if (root.Heur != 0)
         MarkPromotions(root);
 }

@@ -38,8 +38,12 @@ struct TRootWork {
     u64 madeMoves = 0;
 };
 
-// Gives the node the word and the parameters of `given`, of its thread and of its context, and sets
-// what is derived from the position: the blocked figures of the node and the material at the root.
+// Gives the root the word, and sets what follows from the position under the parameters of its thread:
+// the blocked figures of the node, the material at the root and the marks of promotions.
+void PrepareWord(TChessboard& root, u32 heur);
+
+// Gives the node the word and the parameters of `given`, of its thread and of its context, as
+// PrepareWord does.
 void TakeHeuristics(TChessboard& root, const TChessboard& given);
 
 // The passes on the calling thread, which needs SolveStackBytes(halfMoves) of stack. `root` is

@@ -5,14 +5,12 @@
 // the ladder hangs on the root alone, and whether to relax is settled once for all (CFirstMoves).
 #include "search/root_passes.h"
 
-#include "core/make_move.h"
 #include "core/platform/tick_count.h"
 #include "core/thread_context.h"
 #include "heuristics/heur_params.h"
 #include "heuristics/relaxation.h"
-#include "heuristics/rules.h"
 #include "registers/aggregated_register.h"
-#include "search/mate_search.h"
+#include "search/first_move_search.h"
 #include "search/moves_log.h"
 #include "search/one_colour.h"
 #include "search/pause.h"
@@ -176,54 +174,6 @@ private:
         m_root.m_pass = kPassComplete;
         const TVerdict verdict = SearchFirstMove(m_root, move);
         m_root = root;
-        return verdict;
-    }
-
-    // The verdict of one first move: of white's move, or of black's defence. Every repetition lies
-    // inside its tree and is resolved there, since the root counts as no earlier position.
-    TVerdict SearchFirstMove(TChessboard& root, TMove move) {
-        if (root.IsWhiteToMove() && IsKingMoveLeftOut(root, move))
-            return kDoubtful;
-        TChessboard& child = m_thread.ChildSlot(root.m_nMoves);
-        child = root;
-        child.m_parent = &root;
-        const TVerdict verdict =
-            root.IsWhiteToMove() ? SearchWhiteMove(child, move) : SearchBlackMove(child, move);
-        assert(verdict != kRepetition);
-        return verdict;
-    }
-
-    static TVerdict SearchWhiteMove(TChessboard& child, TMove move) {
-        switch (MakeWhiteMove(child, move)) {
-        case kMoveMade:
-            break;
-        case kMoveLeftOut:
-            return kDoubtful;
-        default:
-            return kNoMate;  // the list is legal, so white has no mating material left
-        }
-        UpdateAfterWhiteMove(child);
-        LogMove(child, move, false);
-        return Logged(child, IsMoveLeftOut(child) ? kDoubtful : CheckDefences(child));
-    }
-
-    static TVerdict SearchBlackMove(TChessboard& child, TMove move) {
-        switch (MakeBlackMove(child, move, false)) {
-        case kMoveMade:
-            break;
-        case kMateImpossible:
-            return kNoMate;
-        default:
-            return kDoubtful;
-        }
-        UpdateAfterBlackMove(child);
-        LogMove(child, move, true);
-        return Logged(child, IsReplyLeftOut(child) ? kDoubtful : FindMate(child, true));
-    }
-
-    static TVerdict Logged(const TChessboard& child, TVerdict verdict) {
-        if (!IsStopped(child))
-            LogResult(child, verdict);
         return verdict;
     }
 

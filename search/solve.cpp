@@ -4,21 +4,25 @@
 #include "core/make_move.h"
 #include "core/platform/system_info.h"
 #include "core/thread_context.h"
+#include "core/warning_sink.h"
 #include "heuristics/blocked_list.h"
 #include "heuristics/forced_mate_ladder.h"
 #include "heuristics/heur_params.h"
+#include "heuristics/predefined_tables.h"
 #include "heuristics/rules.h"
+#include "heuristics/selection.h"
 #include "registers/aggregated_register.h"
 #include "search/best_defence.h"
+#include "search/first_move_search.h"
 #include "search/first_moves.h"
 #include "search/main_line.h"
 #include "search/mate_search.h"
-#include "search/move_ordering.h"
 #include "search/moves_log.h"
 #include "search/pause.h"
+#include "search/proof_line.h"
+#include "search/proof_pass.h"
 #include "search/register_access.h"
 #include "search/root.h"
-#include "search/sort_indication.h"
 #include "search/wished_threads.h"
 
 #include <algorithm>
@@ -31,10 +35,30 @@ namespace {
 
 // Two frames with a move list each stand on the stack for every two half-moves.
 constexpr std::size_t kStackBytesPerHalfMove = 4096;
-// Half-moves of the root from which on its list is sorted. Shorter tasks are over at once.
-constexpr int kSortedRoot = 5;
 
 constexpr std::size_t kStackFloorBytes = std::size_t{1} << 20;
+
+class CNobodyWarned final : public IWarningSink {
+public:
+    void Warn(EMessage, EMessage, const std::vector<std::string>&) override {}
+};
+
+// The depth that a request gives stands in the context while it is solved.
+class CGivenQuickMateDepth {
+public:
+    CGivenQuickMateDepth(TSearchContext& context, i16 given)
+        : m_context(context), m_kept(context.m_shLookForQuickerMateDepth) {
+        if (given != kQuickMateDepthUnset)
+            context.m_shLookForQuickerMateDepth = given;
+    }
+    ~CGivenQuickMateDepth() { m_context.m_shLookForQuickerMateDepth = m_kept; }
+    CGivenQuickMateDepth(const CGivenQuickMateDepth&) = delete;
+    CGivenQuickMateDepth& operator=(const CGivenQuickMateDepth&) = delete;
+
+private:
+    TSearchContext& m_context;
+    const i16 m_kept;
+};
 
 class CSolver {
 public:
@@ -61,18 +85,26 @@ public:
 
     TSolveResult Run() {
         m_firstMoves.count = GetLegalMoves(m_root, m_firstMoves.moves);
-        SortFirstMoves();
+        SortList();
         m_result.firstMoves.assign(m_firstMoves.begin(), m_firstMoves.end());
         if (m_request.heuristics != nullptr)
             TakeHeuristics(m_root, *m_request.heuristics);
-        PlanPasses();
         m_result.wishedThreads = FindWishedThreads();
         if (m_result.wishedThreads > 0) {
+            PlanPasses();
             m_result.verdict = ESolveVerdict::kStopped;
             return m_result;
         }
+        const bool isWhite = m_root.IsWhiteToMove();
+        CFirstMoves moves(m_firstMoves, {isWhite, WantedSolutions()}, m_observer);
+        RunFirstProofPass(moves);
+        if (m_request.selectsHeuristics)
+            ChooseHeuristics(moves);
+        PlanPasses();
         ApplyFfmPreliminary(m_root);
-        SearchFirstMoves();
+        const CGivenQuickMateDepth quickMateDepth(m_context, m_request.quickMateDepth);
+        RunSecondProofPass(moves);
+        SearchFirstMoves(moves);
         m_observer.OnAfterKeys();
         if (m_request.wantTries && m_root.IsWhiteToMove() && !IsStopped(m_root))
             m_result.isComplete &= FindTries();
@@ -96,24 +128,33 @@ private:
     }
 
     // Keys are found sooner in a good order, and told in the order of generation.
-    void SortFirstMoves() {
+    void SortList() {
         m_listedMoves = m_firstMoves;
-        if (!m_root.IsWhiteToMove() || m_request.halfMoves < kSortedRoot)
+        m_quietCount = SortFirstMoves(m_root, m_firstMoves, m_request.sortIndications);
+    }
+
+    // Part of the root analysis: on this thread, with the register of the passes.
+    void ChooseHeuristics(const CFirstMoves& moves) {
+        if (!m_root.IsWhiteToMove() || m_request.halfMoves < kSelectionHalfMoves)
             return;
-        // The list is legal, so nothing is dropped; a mate in one is only another key.
-        int mateFound = 0;
-        u8 retry = 0;
-        SortWhiteMoves(m_root,
-                       m_firstMoves.count,
-                       m_firstMoves.moves,
-                       &mateFound,
-                       &m_quietCount,
-                       false,
-                       &retry);
-        for (TMove& move : m_firstMoves)
-            move.enPassant = 0;  // the key of the sort
-        if (m_request.sortIndications != nullptr)
-            ApplySortIndications(m_root, m_firstMoves, *m_request.sortIndications);
+        if (m_proof != nullptr && moves.IsDone()) {
+            TakeNoWord();
+            m_result.selection.wasMade = true;
+            m_result.selection.whyNothing = EMessage::kReasonDecided;
+            return;
+        }
+        TSelectionRequest request;
+        request.moveCount = m_firstMoves.count;
+        request.forcedMoves = m_firstMoves.count - m_quietCount;
+        request.firstMoves = &m_firstMoves;
+        request.proof = m_proof.get();
+        request.decided = moves.DecidedMoves();
+        SelectHeuristics(m_root, request, m_result.selection);
+        const u32 chosen = m_root.Heur;
+        ApplyPredefinedAdditionalHeuristics(
+            m_root, m_request.warnings != nullptr ? *m_request.warnings : m_nobody);
+        TellSettings(m_root, chosen, m_result.selection);
+        PrepareWord(m_root, m_root.Heur);
     }
 
     int PlaceInList(TMove move) const {
@@ -152,9 +193,7 @@ private:
         return m_request.wantAllKeys ? m_request.stopAfterKeys : 1;
     }
 
-    void SearchFirstMoves() {
-        const bool isWhite = m_root.IsWhiteToMove();
-        CFirstMoves moves(m_firstMoves, {isWhite, WantedSolutions()}, m_observer);
+    void SearchFirstMoves(CFirstMoves& moves) {
         TRootRequest request;
         request.startsAtPassOne = m_request.clearRegister;
         request.stopsRelaxingOnFirstSolution = m_request.stopsRelaxingOnFirstSolution;
@@ -168,6 +207,55 @@ private:
             m_thread.stopLevel.store(kThreadStops, std::memory_order_relaxed);
         TakeDecisions(moves);
         m_result.isComplete = moves.IsDone();
+    }
+
+    bool MayRunProofPass() const {
+        return m_request.proofMoves != 0 && m_firstMoves.count != 0 &&
+               m_request.halfMoves >= kProofRoot;
+    }
+
+    // Without a word, before one is chosen. Where words are required none may be missing, so that
+    // nothing is searched before the choice.
+    void RunFirstProofPass(CFirstMoves& moves) {
+        if (!MayRunProofPass() || m_context.requiredHeuristics != 0)
+            return;
+        m_proof = MakeProofSearch(m_root);
+        const TChessboard root = m_root;
+        TakeNoWord();
+        const u64 start = m_thread.madeMoves;
+        RunProofPass(*m_proof,
+                     m_root,
+                     moves,
+                     kFirstProofPassName,
+                     std::min(kFirstProofMoves, m_request.proofMoves));
+        m_firstProofMoves = m_thread.madeMoves - start;
+        m_root = root;
+        m_isStoppedEarly = IsStopped(m_root);
+    }
+
+    // A key is known and the others are wanted: to refute first moves one by one is what the passes do
+    // best, as long as they come to an end.
+    bool IsRestForPasses(const CFirstMoves& moves) const {
+        constexpr int kHopeless = 19;
+        return moves.SolutionCount() != 0 && m_request.halfMoves < kHopeless;
+    }
+
+    // Under the word of the passes and without, with what the first one and the trials learned. A
+    // request whose word lacks what is required is not searched at all: the passes tell. A stop that
+    // came in the trials is told as that of this pass.
+    void RunSecondProofPass(CFirstMoves& moves) {
+        const u32 required = m_context.requiredHeuristics;
+        if (!MayRunProofPass() || moves.IsDone() || m_isStoppedEarly ||
+            (m_root.Heur & required) != required || m_firstProofMoves >= m_request.proofMoves ||
+            IsRestForPasses(moves))
+            return;
+        if (m_proof == nullptr)
+            m_proof = MakeProofSearch(m_root);
+        RunProofPass(*m_proof,
+                     m_root,
+                     moves,
+                     kSecondProofPassName,
+                     m_request.proofMoves - m_firstProofMoves);
     }
 
     // Solutions come in the order of generation, each with its pass; then the verdict.
@@ -228,7 +316,47 @@ private:
         m_root.m_pass = kPassComplete;
     }
 
+    // The key was proved by the proof-number search.
+    bool IsProvedByNumbers(std::size_t key) const {
+        const int index = key < m_result.keyPasses.size() ? m_result.keyPasses[key] : -1;
+        return m_proof != nullptr && index >= 0 && IsProofPass(m_result.passes[index].name);
+    }
+
+    // So was the first key, or the mate against every defence.
+    bool IsMateOfNumbers() const {
+        if (m_root.IsWhiteToMove())
+            return IsProvedByNumbers(0);
+        return m_proof != nullptr && m_result.passes.back().verdict == ESolveVerdict::kProvedMate &&
+               IsProofPass(m_result.passes.back().name);
+    }
+
+    // Made moves for the length of a line: as many as its proof, and some for short proofs.
+    u64 LineMoves() const {
+        constexpr u64 kLeast = 500'000;
+        u64 proof = m_result.selection.madeMoves;
+        for (const TPassRecord& pass : m_result.passes)
+            proof += IsProofPass(pass.name) ? pass.madeMoves : 0;
+        return std::max(kLeast, proof);
+    }
+
     void FindLines() {
+        if (IsMateOfNumbers() && !IsStopped(m_root)) {
+            TakeNoWord();
+            const TMove* const key = m_root.IsWhiteToMove() ? &m_result.keys.front() : nullptr;
+            m_result.mainLine = FindProofLine(*m_proof, m_root, key, LineMoves());
+        }
+        if (m_result.mainLine.empty() && IsLineSearchable())
+            FindMainLineBySearch();
+        FindBestDefences();
+    }
+
+    // A line whose proof was forgotten for want of memory is searched for only where that has an end.
+    bool IsLineSearchable() const {
+        constexpr int kSearchable = 21;
+        return !IsMateOfNumbers() || m_request.halfMoves <= kSearchable;
+    }
+
+    void FindMainLineBySearch() {
         const bool hasKey = m_root.IsWhiteToMove();
         if (m_result.verdict == ESolveVerdict::kProvedMate && !IsStopped(m_root)) {
             // The replies of a mate-defence task have a pass each: no word fits all of them.
@@ -242,19 +370,20 @@ private:
                 m_result.mainLine = FindMainLine(m_root, key);
             }
         }
-        FindBestDefences();
     }
 
     void FindBestDefences() {
         for (std::size_t i = 0; i < m_result.keys.size(); ++i) {
             const bool isTold = i == 0 && m_result.mainLine.size() > 1;
             TakeWordOf(i);
-            m_result.bestDefences.push_back(isTold ? m_result.mainLine[1]
-                                                   : BestDefenceTo(m_result.keys[i]));
+            m_result.bestDefences.push_back(isTold ? m_result.mainLine[1] : BestDefenceTo(i));
         }
     }
 
-    TMove BestDefenceTo(TMove key) {
+    TMove BestDefenceTo(std::size_t index) {
+        const TMove key = m_result.keys[index];
+        if (IsProvedByNumbers(index))
+            return FindProofDefence(*m_proof, m_root, key, LineMoves());
         TChessboard child = m_root;
         child.m_parent = &m_root;
         TMove defence{};
@@ -312,7 +441,7 @@ private:
             const TVerdict verdict = VerdictOfReply(child, reply);
             if (IsStopped(m_root))
                 return false;
-            if (verdict == kDoubtful)
+            if (IsDoubtful(verdict))
                 *isDoubtful = true;
             else if (verdict != kMate)
                 refutations.push_back(reply);
@@ -325,13 +454,17 @@ private:
     const TSolveRequest& m_request;
     TSearchContext& m_context;
     ISolveObserver m_silent;
+    CNobodyWarned m_nobody;
     ISolveObserver& m_observer;
     std::unique_ptr<TMoveMemory> m_memory = std::make_unique<TMoveMemory>();
     TThreadContext m_thread;
     TChessboard m_root{};
-    u8 m_quietCount = 0;      // of the first moves, by the sort
-    TMoveList m_firstMoves;   // in the order in which they are tried
-    TMoveList m_listedMoves;  // the same in the order of generation
+    std::unique_ptr<CProofNumberSearch> m_proof;  // null without such a pass
+    u64 m_firstProofMoves = 0;                    // that the first of them made
+    bool m_isStoppedEarly = false;                // in the first of them
+    u8 m_quietCount = 0;                          // of the first moves, by the sort
+    TMoveList m_firstMoves;                       // in the order in which they are tried
+    TMoveList m_listedMoves;                      // the same in the order of generation
     TSolveResult m_result;
 };
 

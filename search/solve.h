@@ -11,6 +11,7 @@
 #include "core/search_context.h"
 #include "core/verdict.h"
 #include "heuristics/planned_passes.h"
+#include "heuristics/selection_record.h"
 #include "search/pass_record.h"
 
 #include <cstddef>
@@ -20,6 +21,7 @@
 namespace quillmere {
 
 class CMovesLog;
+class IWarningSink;
 struct TSortIndications;
 
 // A first move that every defence but one fails against.
@@ -50,11 +52,23 @@ struct TSolveRequest {
     // The request may be answered by a wish for more threads; then nothing is searched. A restart
     // with the wished number, or without this, goes through.
     bool mayAskForThreads = false;
+    // Made moves that the proof-number passes before all others may cost (search/proof_pass.h); 0 for
+    // none. In tasks under kProofRoot there are none.
+    u64 proofMoves = 0;
     // The word of heuristics with the parameters of its thread and context, for an odd or an even
     // task; null for none. Only these are read.
     const TChessboard* heuristics = nullptr;
+    // The engine chooses the word itself, see heuristics/selection.h; of `heuristics` only the settings
+    // that it does not choose are read then. A mate-defence task and one under kSelectionHalfMoves
+    // are searched without a word.
+    bool selectsHeuristics = false;
+    // Takes what went wrong with the known settings of a composition; not owned, null for nobody.
+    IWarningSink* warnings = nullptr;
     // No relaxation once a key is known.
     bool stopsRelaxingOnFirstSolution = false;
+    // Half-moves of the search for quicker mates, in place of what the context and the heuristics say
+    // (search/quick_mate.h); kQuickMateDepthUnset leaves it to them.
+    i16 quickMateDepth = kQuickMateDepthUnset;
     // Nodes (as counted by the search context) after which the work ends; 0 for no limit. With one
     // thread the result under a node limit is the same in every run.
     u64 nodeLimit = 0;
@@ -89,6 +103,8 @@ struct TSolveResult {
     std::vector<TPassRecord> passes;
     // Place in `passes` of the pass that proved the key of the same place.
     std::vector<int> keyPasses;
+    // How the engine chose the word, if it was asked to.
+    TSelectionRecord selection;
     // What was planned: each word of heuristics with its relaxations, and the pass without.
     std::vector<TPlannedPass> plannedPasses;
     // The pass without heuristics was left out on request, so that "no mate" could not be proved.

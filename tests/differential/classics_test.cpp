@@ -1,4 +1,6 @@
 // Well-known compositions: each has its author's key as its only key, and no shorter mate.
+#include "core/search_context.h"
+#include "core/thread_context.h"
 #include "search/solve.h"
 #include "tests/support/bridge.h"
 #include "tests/support/classics.h"
@@ -62,6 +64,49 @@ TEST_P(Classics, AreConfirmedByTheJudge) {
     const std::vector<reference::TPlainMove> key = {FindMove(position, row.key)};
     EXPECT_EQ(ToText(judge.Keys(position, row.fullMoves)), ToText(key));
     EXPECT_FALSE(judge.MateIn(position, row.fullMoves - 1));
+}
+
+// Under every mode: what is found first is the key, "no mate" is never said, and the last pass says
+// what a search without heuristics says.
+TEST_P(Classics, AreNotHurtByForcedMates) {
+    const TClassic& row = GetParam();
+    if (row.fullMoves > (bridge::kIsSanitized ? 3 : 4))
+        GTEST_SKIP() << "too long for all modes";
+    const TPosition position = FromFen(row.fen);
+    const std::string key = ToText(FindMove(position, row.key));
+    TChessboard board;
+    bridge::FillBoard(board, position);
+    for (u8 mode = 2; mode <= 9; ++mode) {
+        for (const bool isShort : {false, true}) {
+            for (const bool hasLastPass : {false, true}) {
+                TThreadContext thread(1);
+                TSearchContext given;
+                TChessboard word = board;
+                word.m_threadContext = &thread;
+                word.m_searchContext = &given;
+                word.Heur = SH_FINDFORCEDMATE;
+                thread.heuristics.FfmStartMode = thread.heuristics.FfmMode = mode;
+                thread.heuristics.FfmAddCaptures = mode % 2 == 0;
+                thread.heuristics.RunPassWithoutHeuristics = hasLastPass;
+                TSearchContext context;
+                TSolveRequest request;
+                request.halfMoves = static_cast<u16>(2 * row.fullMoves - (isShort ? 3 : 1));
+                request.wantAllKeys = true;
+                request.heuristics = &word;
+                const TSolveResult result = Solve(board, request, context);
+                const std::string keys = ToText(bridge::ToSortedPlain(result.keys));
+                const bool hasNone = result.keys.empty();
+                const std::string verdict = bridge::NameOf(result.verdict);
+                if (hasLastPass) {
+                    EXPECT_EQ(keys, isShort ? "none" : key) << "mode " << int{mode};
+                    EXPECT_EQ(verdict, isShort ? "no mate" : "mate") << "mode " << int{mode};
+                } else {
+                    EXPECT_TRUE(hasNone || (!isShort && keys == key)) << keys;
+                    EXPECT_EQ(verdict, hasNone ? "doubtful" : "mate") << "mode " << int{mode};
+                }
+            }
+        }
+    }
 }
 
 std::string NameOfRow(const ::testing::TestParamInfo<TClassic>& row) {

@@ -39,6 +39,8 @@ public:
         m_node.m_threadContext = &m_thread;
         m_node.Heur = heur;
         DrawSettings(board, random);
+        if ((heur & SH_FINDFORCEDMATE) != 0)
+            DrawForcedMate(random);
     }
     CGivenWord(const CGivenWord&) = delete;
     CGivenWord& operator=(const CGivenWord&) = delete;
@@ -93,6 +95,18 @@ private:
         m_context.KeyDiagonalSquares[0] = square();
         m_context.KeyDiagonalSquares[1] = square();
         m_context.isExact = random.Chance(20);
+    }
+
+    void DrawForcedMate(CRandom& random) {
+        THeuristicSettings& s = m_thread.heuristics;
+        s.FfmMode = static_cast<u8>(random.Between(2, 9));
+        s.FfmStartMode = s.FfmMode;
+        s.FfmRelaxations = static_cast<u8>(random.Below(10 - s.FfmMode));
+        s.FfmWithOther = static_cast<i8>(random.Between(-1, 1));
+        s.FfmCustom = random.Chance(30);
+        s.FfmCustomRelaxations = static_cast<u8>(random.Below(10 - s.FfmMode));
+        s.FfmPreliminary = random.Chance(30);
+        s.FfmAddCaptures = random.Chance(50);
     }
 
     TSearchContext m_context;
@@ -226,6 +240,26 @@ void CheckLaws(const TPosition& position, int halfMoves, u32 heur, CRandom& rand
 TPosition DrawPosition(CRandom& random, int fullMoves) {
     const int men = random.Between(4, 8);
     return reference::RandomPosition(random, reference::RandomMateRecipe(random, men, fullMoves));
+}
+
+// Modes, relaxations and rounds at random, alone and beside other rules.
+TEST(HeuristicsLaws, ForcedMates_KeepThemInAllModes) {
+    CRandom random(52'000'000);
+    TTally tally;
+    const int cases = bridge::CasesOf(1500);
+    for (int i = 0; i < cases; ++i) {
+        const u32 others = i % 2 == 0 ? 0 : static_cast<u32>(random.Next()) & ~kUnusedBits;
+        const int fullMoves = random.Between(2, i % 10 == 0 ? 4 : 3);
+        const TPosition position = DrawPosition(random, fullMoves);
+        ASSERT_NO_FATAL_FAILURE(
+            CheckLaws(position, 2 * fullMoves - 1, SH_FINDFORCEDMATE | others, random, tally));
+    }
+    if (cases >= 250) {
+        EXPECT_GT(tally.mates, cases / 8);
+        EXPECT_GT(tally.matesUnderAWord, cases / 20);
+        EXPECT_GT(tally.doubtfulPasses, cases / 8);
+        EXPECT_GT(tally.reproved, 10);
+    }
 }
 
 class EveryBit : public ::testing::TestWithParam<int> {};

@@ -270,6 +270,7 @@ TEST(HeurParamsProperty, EachFieldOfABitThatIsOn_ChangesTheDigest) {
         {"FfmMode", SH_FINDFORCEDMATE, [](auto&, auto& s) { s.FfmMode ^= 1; }},
         {"FfmPreliminary", SH_FINDFORCEDMATE, [](auto&, auto& s) { s.FfmPreliminary ^= true; }},
         {"FfmCustom", SH_FINDFORCEDMATE, [](auto&, auto& s) { s.FfmCustom ^= true; }},
+        {"FfmAddCaptures", SH_FINDFORCEDMATE, [](auto&, auto& s) { s.FfmAddCaptures ^= true; }},
         {"FfmWithOther",
          SH_FINDFORCEDMATE,
          [](auto&, auto& s) {

@@ -79,6 +79,10 @@ private:
             *flag = Flip();
         s.AllowSwitchToSurrounded = static_cast<u8>(m_random.Below(3));
         s.FfmSavedHeur = static_cast<u32>(m_random.Next());
+        s.FfmCustom = Flip();
+        s.FfmStartMode = s.FfmMode = static_cast<u8>(m_random.Between(2, 9));
+        s.FfmRelaxations = static_cast<u8>(m_random.Below(10 - s.FfmMode));
+        s.FfmCustomRelaxations = static_cast<u8>(m_random.Below(10 - s.FfmMode));
         s.RelaxationCount = static_cast<u8>(m_random.Next());
         s.KeyWhiteFigureSquare = AnySquare();
         s.KeyWhiteFigurePinned = AnySquare();

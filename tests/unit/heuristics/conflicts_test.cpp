@@ -85,6 +85,12 @@ TEST(FindHeuristicConflict, Conflicts_AreToldInTheirWords) {
              c.KeyDiagonalSquares[1] = 10;
          },
          "Invalid field Key diagonal"},
+        {SH_FINDFORCEDMATE,
+         [](auto& s, auto&) { s.FfmMode = 4, s.FfmRelaxations = 6; },
+         "Number of heuristics relaxations for FFM is too large (max = 5)"},
+        {SH_FINDFORCEDMATE,
+         [](auto& s, auto&) { s.FfmMode = 9, s.FfmCustom = true, s.FfmCustomRelaxations = 1; },
+         "Number of heuristics relaxations for FFM is too large (max = 0)"},
         {SH_FINDFORCEDMATE | SH_SEASNAKE,
          [](auto&, auto&) {},
          "FindForcedMate cannot be used together with SeaSnake."},

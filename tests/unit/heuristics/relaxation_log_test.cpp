@@ -51,6 +51,19 @@ TEST_F(RelaxationLog, Relaxation_IsTwoLinesAppended) {
     EXPECT_EQ(test::ReadFile(m_file), "older\n" + expected);
 }
 
+TEST_F(RelaxationLog, DecisionByTime_IsToldBetweenThem) {
+    CRelaxationLog log(m_folder.Path(), FixedTime);
+    m_board.Context().relaxationLog = &log;
+    LogRelaxation(m_board.Root(), true);
+    LogRelaxationTime(m_board.Root(), "Time dependent relaxation near the limit");
+    LogRelaxation(m_board.Root(), false);
+    const std::string word = HeuristicsText(m_board.Root());
+    EXPECT_EQ(test::ReadFile(m_file),
+              "2024-03-09 07:05:00 BEFORE th=12 " + word +
+                  "\nTime dependent relaxation near the limit\n2024-03-09 07:05:00 AFTER  th=12 " +
+                  word + "\n");
+}
+
 TEST_F(RelaxationLog, OptionOff_WritesNothing) {
     g_options.TryRelaxSpecialHeuristicsLog = false;
     CRelaxationLog log(m_folder.Path(), FixedTime);

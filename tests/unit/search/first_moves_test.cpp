@@ -116,6 +116,27 @@ TEST_F(FirstMoves, DoubtOfTheLastPassStaysOpen) {
     EXPECT_TRUE(m_moves->Decisions()[2].isDoubtful);
 }
 
+TEST_F(FirstMoves, NoMateIsSaidOnlyOfThePassThatDecidedTheLastMove) {
+    Start({true, 0});
+    Enter(0, 0, kPassComplete, "p1");
+    m_moves->Decide(0, MoveOf("a1a2"), kNoMate);
+    EXPECT_EQ(m_moves->DecidedMoves().size(), 1U);
+    m_moves->LeavePass(0, 1, 2, 3);
+    m_moves->RemoveWorker(0);
+    m_moves->CloseLeadPass();
+    m_threads.push_back(std::make_unique<TThreadContext>(5, i16{1}));
+    ASSERT_EQ(m_moves->AddWorker(*m_threads.back()), 1);
+    Enter(1, 0, kPassComplete, "2");
+    EXPECT_FALSE(Claim(1, "a1a2"));
+    for (const std::string move : {"a1b1", "a1b2"}) {
+        EXPECT_TRUE(Claim(1, move));
+        EXPECT_TRUE(Report(1, move, kNoMate, true));
+    }
+    ASSERT_EQ(m_moves->Passes().size(), 2U);
+    EXPECT_EQ(m_moves->Passes().front().verdict, ESolveVerdict::kDoubt);
+    EXPECT_EQ(m_moves->Passes().back().verdict, ESolveVerdict::kProvedNoMate);
+}
+
 TEST_F(FirstMoves, SeveralKeysAreWantedBeforeTheEnd) {
     Start({true, 2});
     Enter(0, 0, kPassComplete, "2");
