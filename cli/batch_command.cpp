@@ -154,10 +154,12 @@ TRegressionRequest ReadRequest(const TArguments& arguments) {
     request.isQuick = arguments.Has("--quick");
     request.withMirror = arguments.Has("--mirror");
     request.wantAll = arguments.Has("--all");
+    request.heuristics = arguments.Value("--heuristics").value_or("");
     request.isResumed = arguments.Has("--resume");
     request.jobs = static_cast<int>(arguments.Number("--jobs", 1, kMaxJobs).value_or(1));
     request.threads = arguments.Has("--threads") ? ReadThreads(arguments) : 0;
     request.memoryBytes = arguments.Has("--memory") ? ReadMemoryBytes(arguments) : 0;
+    request.quickMateDepth = ReadQuickMateDepth(arguments);
     request.timeLimitSeconds = static_cast<u32>(
         arguments.Number("--time", 1, kNoTimeLimit - 1).value_or(i64{kNoTimeLimit}));
     if (const auto range = arguments.Value("--problem"))

@@ -5,6 +5,7 @@
 #include "cli/json.h"
 #include "cli/report.h"
 #include "cli/task_arguments.h"
+#include "cli/task_heuristics.h"
 #include "cli/task_log.h"
 #include "core/platform/interrupt.h"
 
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <fmt/format.h>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -102,6 +104,7 @@ TRow SolveRecord(CConsole& console,
                  const TEpdRecord& record,
                  int number,
                  const TSettings& settings,
+                 const CTaskHeuristics& heuristics,
                  CTaskRegister& solved) {
     TRow row;
     const auto progress =
@@ -110,6 +113,7 @@ TRow SolveRecord(CConsole& console,
     TTaskRequest request = settings.request;
     request.solved = &solved;
     request.movesLogs = log.Logs();
+    heuristics.Give(request);
     row.outcome = RunTask(record.task, request, progress);
     log.Tell(console);
     if (settings.wantsShortest && row.outcome.result.verdict == ESolveVerdict::kProvedMate) {
@@ -176,6 +180,7 @@ std::string JsonText(const TEpdRecord& record, const TRow& row, const TSettings&
                   {"verdict", VerdictWord(result.verdict)},
                   {"complete", result.isComplete}};
     AddResultJson(json, record.task, result);
+    AddSelectionJson(json, result);
     TJson expected = TJson::array();
     for (const TMove key : record.expectedKeys)
         expected.push_back(MoveJson(
@@ -204,8 +209,15 @@ std::string JsonText(const TEpdRecord& record, const TRow& row, const TSettings&
 // Locking: m_mutex guards m_rows and m_failure; a leaf. m_next is only a ticket counter.
 class CBatch {
 public:
-    CBatch(CConsole& console, const std::vector<TEpdRecord>& records, const TSettings& settings)
-        : m_console(console), m_records(records), m_settings(settings), m_rows(records.size()) {
+    CBatch(CConsole& console,
+           const std::vector<TEpdRecord>& records,
+           const std::vector<std::unique_ptr<CTaskHeuristics>>& heuristics,
+           const TSettings& settings)
+        : m_console(console),
+          m_records(records),
+          m_heuristics(heuristics),
+          m_settings(settings),
+          m_rows(records.size()) {
         for (int i = 0; i < settings.jobs; ++i)
             m_threads.emplace_back([this] { Work(); });
     }
@@ -238,8 +250,12 @@ private:
                 const std::size_t index = m_next.fetch_add(1);
                 if (index >= m_records.size())
                     break;
-                TRow row = SolveRecord(
-                    m_console, m_records[index], static_cast<int>(index) + 1, m_settings, solved);
+                TRow row = SolveRecord(m_console,
+                                       m_records[index],
+                                       static_cast<int>(index) + 1,
+                                       m_settings,
+                                       *m_heuristics[index],
+                                       solved);
                 const std::lock_guard lock(m_mutex);
                 m_rows[index] = std::move(row);
                 m_isReady.notify_all();
@@ -255,6 +271,7 @@ private:
 
     CConsole& m_console;
     const std::vector<TEpdRecord>& m_records;
+    const std::vector<std::unique_ptr<CTaskHeuristics>>& m_heuristics;
     const TSettings& m_settings;
     std::atomic<std::size_t> m_next{0};
     std::mutex m_mutex;
@@ -278,6 +295,7 @@ TSettings ReadSettings(const TArguments& arguments, const std::filesystem::path&
     settings.jobs = static_cast<int>(arguments.Number("--jobs", 1, kMaxJobs).value_or(1));
     // Which worker gets a position, and so what its register has seen, differs from run to run.
     settings.request.clearRegister |= settings.isDeterministic;
+    settings.request.mayRelaxByTime = !settings.isDeterministic;
     // The main line costs a search of its own, so a list is solved without it.
     settings.request.wantMainLine = settings.isDetailed || settings.isJson;
     return settings;
@@ -310,12 +328,20 @@ EExitCode RunEpd(const TCommandCall& call) {
     if (needsNote)
         console.Note(console.Text(EMessage::kCastlingNote));
 
+    // Words that do not fit come to light before anything is solved.
+    std::vector<std::unique_ptr<CTaskHeuristics>> heuristics;
+    for (const TEpdRecord& record : records)
+        heuristics.push_back(std::make_unique<CTaskHeuristics>(call.arguments,
+                                                               record.task,
+                                                               call.arguments.positionals[0] + ":" +
+                                                                   std::to_string(record.line)));
+
     CatchInterrupts();
     int counts[3] = {};
     int reported = 0;
     bool isInterrupted = false;
     {
-        CBatch batch(console, records, settings);
+        CBatch batch(console, records, heuristics, settings);
         for (std::size_t i = 0; i < records.size(); ++i) {
             const std::optional<TRow> row = batch.Take(i);
             if (!row) {

@@ -46,6 +46,34 @@ void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result) {
     json["mainLine"] = LineJson(WriteLine(board, isBlack, result.mainLine));
 }
 
+void AddSelectionJson(TJson& json, const TSolveResult& result) {
+    const TSelectionRecord& selection = result.selection;
+    json["selection"] = nullptr;
+    if (!selection.wasMade)
+        return;
+    const auto english = [](EMessage id, const std::vector<std::string>& values) {
+        return FormatMessage(id, ELanguage::kEnglish, values);
+    };
+    TJson chosen = TJson::array();
+    for (const TChosenHeuristic& heuristic : selection.heuristics)
+        chosen.push_back({{"heuristic", heuristic.text},
+                          {"bit", heuristic.bit},
+                          {"reason", english(heuristic.reason, heuristic.values)}});
+    TJson trials = TJson::array();
+    for (const TTrialRecord& trial : selection.trials)
+        trials.push_back({{"heuristics", trial.heuristics},
+                          {"halfMoves", trial.halfMoves},
+                          {"limit", trial.limit},
+                          {"outcome", TrialWord(trial.outcome)},
+                          {"madeMoves", trial.madeMoves}});
+    json["selection"] = {{"heuristics", std::move(chosen)},
+                         {"whyNothing", nullptr},
+                         {"trials", std::move(trials)},
+                         {"madeMoves", selection.madeMoves}};
+    if (selection.whyNothing != EMessage::kCount)
+        json["selection"]["whyNothing"] = english(selection.whyNothing, {});
+}
+
 void AddPassesJson(TJson& json, const TSolveResult& result) {
     TJson plan = TJson::array();
     for (std::size_t i = 0; i < result.plannedPasses.size(); ++i) {

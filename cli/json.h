@@ -21,6 +21,8 @@ TJson LineJson(const std::vector<TWrittenMove>& line);
 // `keys` with their `bestDefence`, `defences`, `tries` and `mainLine` of a solved task.
 void AddResultJson(TJson& json, const TTask& task, const TSolveResult& result);
 // `plan`, `passes` as they were run, and `proof`, the pass that proved the first key.
+// `selection`: the chosen word with its reasons, in English, and the trials; null where nothing was chosen.
+void AddSelectionJson(TJson& json, const TSolveResult& result);
 void AddPassesJson(TJson& json, const TSolveResult& result);
 // `registerElements` and `memoryMB`, of the end of the search; 0 where no register was used.
 void AddRegisterJson(TJson& json, const TTaskOutcome& outcome);

@@ -79,6 +79,32 @@ std::string PassRows(const CConsole& console, const TSolveResult& result) {
     return out;
 }
 
+// The chosen word with its reasons, the trials, and what all that cost.
+std::string SelectionText(const CConsole& console, const TSelectionRecord& selection) {
+    if (!selection.wasMade)
+        return {};
+    std::string out;
+    std::string label = console.Text(EMessage::kLabelChosen);
+    const auto addRow = [&](const std::string& text) {
+        out += ReportRow(label, Wrap(text));
+        label.clear();
+    };
+    for (const TChosenHeuristic& heuristic : selection.heuristics)
+        addRow(heuristic.text + ": " + console.Text(heuristic.reason, heuristic.values));
+    if (selection.whyNothing != EMessage::kCount)
+        addRow(console.Text(EMessage::kChosenNothing, {console.Text(selection.whyNothing)}));
+    label = console.Text(EMessage::kLabelTrials);
+    for (const TTrialRecord& trial : selection.trials)
+        addRow(trial.heuristics + ": " +
+               console.Text(EMessage::kTrialDone,
+                            {std::string(TrialWord(trial.outcome)),
+                             std::to_string(trial.madeMoves),
+                             std::to_string(trial.limit)}));
+    if (!selection.trials.empty())
+        addRow(console.Text(EMessage::kSelectionWork, {std::to_string(selection.madeMoves)}));
+    return out + "\n";
+}
+
 // Why a solve that was not decided could not be: what the user switched off.
 std::string SwitchedOffNotes(const CConsole& console, const TSolveResult& result) {
     std::string out;
@@ -107,6 +133,10 @@ std::string PlannedPassName(const TSolveResult& result, std::size_t index) {
 const TPassRecord* ProofOf(const TSolveResult& result) {
     const bool isKnown = !result.keyPasses.empty() && result.keyPasses.front() >= 0;
     return isKnown ? &result.passes[static_cast<std::size_t>(result.keyPasses.front())] : nullptr;
+}
+
+std::string ExplainText(const CConsole& console, const TSolveResult& result) {
+    return SelectionText(console, result.selection) + PlanText(console, result);
 }
 
 std::string PlanText(const CConsole& console, const TSolveResult& result) {
@@ -239,6 +269,8 @@ TProgressCallback ShowProgress(CConsole& console, const TTask& task) {
                                          nodes,
                                          seconds}) +
                            memory + LineTail(progress.line));
+        } else {
+            console.Status(console.Text(EMessage::kInitialPositionCheck) + memory);
         }
     };
 }

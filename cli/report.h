@@ -14,6 +14,8 @@ std::string Diagram(const TChessboard& board);
 // "Mate in 3, white to move".
 std::string StipulationText(const CConsole& console, const TTask& task);
 // The passes that were planned, a line each.
+// What --explain shows: the word that was chosen with its reasons, the trials made for it, and the plan.
+std::string ExplainText(const CConsole& console, const TSolveResult& result);
 std::string PlanText(const CConsole& console, const TSolveResult& result);
 // Name of a planned pass: "1a", "1b" and so on under heuristics, "2" without.
 std::string PlannedPassName(const TSolveResult& result, std::size_t index);

@@ -80,6 +80,7 @@ EExitCode RunSolve(const TCommandCall& call) {
     request.solved = &solved;
     CRelaxationLog relaxationLog(programFolder);
     request.relaxationLog = &relaxationLog;
+    request.mayRelaxByTime = true;
     if (request.wantTries && halfMoves % 2 == 0)
         throw CUsageException(EMessage::kUsageTriesInDefence);
 
@@ -100,7 +101,7 @@ EExitCode RunSolve(const TCommandCall& call) {
     int number = 0;
     for (const TListedTask& listed : tasks) {
         const TTask& task = listed.task;
-        request.heuristics = heuristics[static_cast<std::size_t>(number)]->Node();
+        heuristics[static_cast<std::size_t>(number)]->Give(request);
         if (task.position.NeedsCastlingNote() && !hasNoted) {
             console.Note(console.Text(EMessage::kCastlingNote));
             hasNoted = true;
@@ -117,7 +118,7 @@ EExitCode RunSolve(const TCommandCall& call) {
                 report += WritePosition(task.position) + "\n";
             report += StipulationText(console, task) + "\n\n";
             if (isExplained)
-                report += PlanText(console, outcome.result) + "\n";
+                report += ExplainText(console, outcome.result) + "\n";
             console.Print(report + ReportText(console, task, outcome));
         }
         code = std::max(code, ExitCodeOfOutcome(outcome));

@@ -9,6 +9,7 @@
 #include "cli/task_log.h"
 #include "core/platform/interrupt.h"
 #include "session/options.h"
+#include "session/problem_heuristics.h"
 #include "session/session_texts.h"
 #include "session/solve_control.h"
 
@@ -65,12 +66,11 @@ TTask TaskOfProblem(const TChessProblem& problem) {
     return MakeTask(position, HalfMovesToSolve(problem));
 }
 
-TStartRequest ReadStart(const TCommandCall& call, const TChessProblem& problem) {
+TStartRequest ReadStart(const TCommandCall& call) {
     const TArguments& arguments = call.arguments;
     TStartRequest start;
     start.heuristics = arguments.Value("--heuristics").value_or("");
-    const bool hasWord =
-        start.heuristics.empty() ? !problem.heuristicOverrides.empty() : start.heuristics != "off";
+    const bool hasWord = start.heuristics != kNoWord;
     for (const std::string_view option : {"--no-relax", "--no-final-pass"}) {
         if (!hasWord && arguments.Has(option))
             throw CUsageException(EMessage::kUsageNeedsHeuristics, {std::string(option)});
@@ -81,6 +81,7 @@ TStartRequest ReadStart(const TCommandCall& call, const TChessProblem& problem) 
     start.wantTries = wishes.wantTries;
     start.seconds = wishes.seconds;
     start.nodeLimit = wishes.nodes;
+    start.quickMateDepth = wishes.quickMateDepth;
     start.noRelaxation = arguments.Has("--no-relax");
     start.noFinalPass = arguments.Has("--no-final-pass");
     start.memoryBytes = ReadMemoryBytes(arguments);
@@ -91,7 +92,8 @@ TStartRequest ReadStart(const TCommandCall& call, const TChessProblem& problem) 
         start.threads = 1;  // a log is read from its first line to its last
     // Who asks about the search wants one.
     start.mayUseSolvedRecord = !arguments.Has("--explain") && !arguments.Has("--heuristics") &&
-                               !arguments.Has("--nodes") && !start.logMoves;
+                               !arguments.Has("--nodes") && !arguments.Has("--quick-mate-depth") &&
+                               !start.logMoves;
     return start;
 }
 
@@ -179,7 +181,7 @@ std::string FullReport(const TCommandCall& call,
     std::string report = problem.description.empty() ? "" : problem.description + "\n";
     report += StipulationText(console, task) + "\n\n";
     if (call.arguments.Has("--explain"))
-        report += PlanText(console, outcome.result) + "\n";
+        report += ExplainText(console, outcome.result) + "\n";
     report += ReportText(console, task, outcome);
     if (problem.Has(kProblemHasAnswer))
         report += ReportRow(console.Text(EMessage::kLabelStated),
@@ -215,7 +217,7 @@ EExitCode RunSolveFile(const TCommandCall& call, const std::string& file) {
                                               {std::to_string(*number)}));
     GiveLength(*problem, arguments);
     problem->GoToStart();
-    const TStartRequest start = ReadStart(call, *problem);
+    const TStartRequest start = ReadStart(call);
 
     // 2. The solve
     TTask task;

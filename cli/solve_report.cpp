@@ -13,6 +13,7 @@ TJson SolveJson(const TTask& task, const TTaskOutcome& outcome) {
                   {"verdict", VerdictWord(result.verdict)},
                   {"complete", result.isComplete}};
     AddResultJson(json, task, result);
+    AddSelectionJson(json, result);
     AddPassesJson(json, result);
     json["nodes"] = result.nodes;
     json["madeMoves"] = result.madeMoves;

@@ -9,6 +9,7 @@
 #include "core/platform/tick_count.h"
 #include "core/thread_context.h"
 #include "search/progress_line.h"
+#include "search/proof_pass.h"
 
 #include <atomic>
 #include <chrono>
@@ -250,7 +251,11 @@ RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback&
     solve.movesLogs = request.movesLogs;
     solve.clearRegister = request.clearRegister;
     solve.threads = request.threads;
+    solve.quickMateDepth = request.quickMateDepth;
     solve.heuristics = request.heuristics;
+    solve.selectsHeuristics = request.selectsHeuristics;
+    if (request.selectsHeuristics)
+        solve.proofMoves = ProofMovesOf(solve.halfMoves);
 
     TTaskOutcome outcome;
     TSearchContext context;
@@ -262,6 +267,7 @@ RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback&
         request.solved == nullptr ? nullptr : request.solved->ForHalfMoves(task.halfMoves);
     context.tempRegister = solved;
     context.relaxationLog = request.relaxationLog;
+    context.mayRelaxByTime = request.mayRelaxByTime;
     {
         const CWatcher watcher(
             context, record, lines, solved, task.isSwapped, request.seconds, progress);
@@ -289,6 +295,22 @@ std::vector<TWrittenMove> KeyLine(const TTask& task, const TSolveResult& result,
     if (key < result.bestDefences.size() && !result.bestDefences[key].IsNull())
         moves.push_back(result.bestDefences[key]);
     return WriteLine(task.position.board, task.position.IsBlackToMove(), moves);
+}
+
+std::string_view TrialWord(ETrialOutcome outcome) {
+    switch (outcome) {
+    case ETrialOutcome::kMateSeen:
+        return "mate";
+    case ETrialOutcome::kFailed:
+        return "failed";
+    case ETrialOutcome::kProvedNone:
+        return "no mate";
+    case ETrialOutcome::kLimit:
+        return "limit";
+    case ETrialOutcome::kStopped:
+        break;
+    }
+    return "stopped";
 }
 
 std::string_view VerdictWord(ESolveVerdict verdict) {

@@ -66,10 +66,16 @@ struct TTaskRequest {
     bool clearRegister = true;
     // Threads over the first moves, 1 to 64. With one the work is the same in every run.
     int threads = 1;
+    // As TSolveRequest::quickMateDepth.
+    i16 quickMateDepth = kQuickMateDepthUnset;
     // The word of heuristics; not owned, null for none.
     const TChessboard* heuristics = nullptr;
+    // The engine chooses the word; the other settings are those of `heuristics`.
+    bool selectsHeuristics = false;
     // Where the relaxations are told; not owned, null for nowhere.
     CRelaxationLog* relaxationLog = nullptr;
+    // A pass more where the passes before it were fast; the work then hangs on the machine.
+    bool mayRelaxByTime = false;
     // Of the search for keys, one for each thread; not owned. Their moves are those of the search:
     // with colours swapped if black mates.
     std::vector<CMovesLog*> movesLogs = {};
@@ -108,6 +114,9 @@ RunTask(const TTask& task, const TTaskRequest& request, const TProgressCallback&
 
 // The key of that place, and black's best defence to it where there is one and it was found.
 std::vector<TWrittenMove> KeyLine(const TTask& task, const TSolveResult& result, std::size_t key);
+
+// "mate", "failed", "no mate", "limit", "stopped": the same in every language.
+std::string_view TrialWord(ETrialOutcome outcome);
 
 // "mate", "no mate", "doubtful", "stopped", "limit": the same in every language.
 std::string_view VerdictWord(ESolveVerdict verdict);

@@ -22,8 +22,29 @@ TTaskRequest ReadTaskRequest(const TArguments& arguments) {
     request.wantTries = arguments.Has("--tries");
     request.seconds = arguments.Decimal("--time", 0, kMaxSeconds).value_or(0);
     request.nodes = static_cast<u64>(arguments.Number("--nodes", 0, INT64_MAX).value_or(0));
+    request.quickMateDepth = ReadQuickMateDepth(arguments);
     request.clearRegister = g_options.ClearRegisterOnStartSolving;
     return request;
+}
+
+i16 ReadQuickMateDepth(const TArguments& arguments) {
+    constexpr std::string_view kName = "--quick-mate-depth";
+    const auto text = arguments.Value(kName);
+    if (!text)
+        return kQuickMateDepthUnset;
+    // A number that is out of range has words of its own; what is none is told like any other.
+    const bool isNumber =
+        !text->empty() &&
+        text->find_first_not_of("0123456789", text->front() == '-') == std::string::npos &&
+        *text != "-";
+    try {
+        return static_cast<i16>(
+            HalfMovesOfMate(static_cast<int>(ReadNumber(kName, *text, 1, kMaxQuickMateMoves))));
+    } catch (const CUsageException&) {
+        if (!isNumber)
+            throw;
+        throw CUsageException(EMessage::kQuickMateDepthOutOfRange);
+    }
 }
 
 u64 ReadMemoryBytes(const TArguments& arguments) {

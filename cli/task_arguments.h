@@ -6,9 +6,13 @@
 
 namespace quillmere {
 
-// --all, --tries, --time, --nodes, as far as the command has them, and the option that decides
+// --all, --tries, --time, --nodes, --quick-mate-depth, as far as the command has them, and the option that decides
 // whether each task starts with an empty register. Throws CUsageException.
 TTaskRequest ReadTaskRequest(const TArguments& arguments);
+
+// Half-moves of the search for quicker mates: 2N - 1 of --quick-mate-depth N, 1 to 16; -1 without it.
+// Throws CUsageException.
+i16 ReadQuickMateDepth(const TArguments& arguments);
 
 // Bytes that registers of solved positions may use together: --memory, else as the options say. A
 // limit beyond the memory of the machine would be none, so it is wrong usage: CUsageException.

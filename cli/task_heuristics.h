@@ -13,7 +13,8 @@ namespace quillmere {
 // Of one task: the word and its parameters, checked against the task's board.
 class CTaskHeuristics {
 public:
-    // Reads --heuristics, --no-relax and --no-final-pass. Squares of the text are those of the
+    // Reads --heuristics ("auto" if it is not there), --no-relax and --no-final-pass, as far as the
+    // command has them. Squares of the text are those of the
     // user's board. `place` is where the task stands in a list, empty outside of one. Throws
     // CUsageException, ChessException that names the place in the text, and what does not fit the
     // position as CPlacedException if there is a place.
@@ -21,11 +22,17 @@ public:
     CTaskHeuristics(const CTaskHeuristics&) = delete;
     CTaskHeuristics& operator=(const CTaskHeuristics&) = delete;
 
-    // For TTaskRequest::heuristics; null for none.
-    const TChessboard* Node() const { return m_isGiven ? &m_node : nullptr; }
+    // Into the request of the task.
+    void Give(TTaskRequest& request) const {
+        request.heuristics = m_isGiven ? &m_node : nullptr;
+        request.selectsHeuristics = m_isAutomatic;
+    }
 
 private:
+    void TakeText(const std::string& text, const std::string& place);
+
     bool m_isGiven = false;
+    bool m_isAutomatic = false;
     TSearchContext m_context;
     TThreadContext m_thread{2};
     TChessboard m_node{};

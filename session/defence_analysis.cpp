@@ -95,7 +95,7 @@ private:
                                 : VerdictWithin(Child(reply.move), m_node.m_nMoves - 1);
             if (MustLeave(m_node))
                 return;
-            if (reply.verdict == kMate || reply.verdict == kDoubtful)
+            if (reply.verdict == kMate || IsDoubtful(reply.verdict))
                 continue;
             if (m_request.observer != nullptr)
                 m_request.observer->OnKey(reply.move);
@@ -116,7 +116,7 @@ private:
         analysis.kind = EDefence::kLoses;
         const auto doubtful =
             std::find_if(m_replies.begin(), m_replies.end(), [](const TReply& reply) {
-                return reply.verdict == kDoubtful;
+                return IsDoubtful(reply.verdict);
             });
         if (doubtful != m_replies.end()) {
             analysis.move = doubtful->move;

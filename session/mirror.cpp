@@ -103,6 +103,7 @@ std::string MirrorHeuristicParameter(u32 heuristic, std::string_view parameter) 
     case kKeySquare:
     case kKeyWhiteFigure:
     case kSeaSnake:
+    case kZugzwangMoves:
         return MirrorSquaresOfText(std::string(parameter));
     default:
         break;

@@ -11,8 +11,6 @@
 namespace quillmere {
 namespace {
 
-constexpr std::string_view kNoWord = "off";
-
 // A text inside a text is told in English: a fault keeps ids for its own text only.
 std::string EnglishText(EMessage id, const std::vector<std::string>& values) {
     return FormatMessage(id, ELanguage::kEnglish, values);
@@ -31,11 +29,17 @@ CProblemHeuristics::CProblemHeuristics(const TChessProblem& problem,
     m_node.Heur = 0;
     if (word.text == kNoWord)
         return;
-    if (word.text.empty())
+    const bool isOwn = word.text.empty() || word.text == kAutomaticWord;
+    m_isAutomatic = isOwn && problem.heuristicOverrides.empty();
+    m_thread.heuristics.LetRelaxHeuristics = !word.noRelaxation;
+    m_thread.heuristics.RunPassWithoutHeuristics = !word.noFinalPass;
+    if (m_isAutomatic)
+        return;
+    if (isOwn)
         ApplyOverrides(problem);
     else
         ParseHeuristics(m_node, word.text);
-    if (word.text.empty() && m_node.Heur == 0)
+    if (isOwn && m_node.Heur == 0)
         return;
     const auto conflict =
         FindHeuristicConflict(m_node.Heur, m_thread.heuristics, m_context, m_node);
@@ -43,8 +47,6 @@ CProblemHeuristics::CProblemHeuristics(const TChessProblem& problem,
         throw ChessException(
             EMessage::kOverridesConflict,
             {std::to_string(problem.number), EnglishText(conflict->message, conflict->values)});
-    m_thread.heuristics.LetRelaxHeuristics = !word.noRelaxation;
-    m_thread.heuristics.RunPassWithoutHeuristics = !word.noFinalPass;
 }
 
 void CProblemHeuristics::ApplyOverrides(const TChessProblem& problem) {

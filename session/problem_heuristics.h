@@ -6,11 +6,18 @@
 #include "problems/chess_problem.h"
 
 #include <string>
+#include <string_view>
 
 namespace quillmere {
 
+// Texts in place of a word
+constexpr std::string_view kNoWord = "off";
+constexpr std::string_view kAutomaticWord = "auto";
+
 struct TProblemWord {
-    std::string text;  // replaces the problem's own settings; "off" for no word, empty for the own
+    // Replaces the problem's own settings; kNoWord for no word. Empty, or kAutomaticWord: the own, and
+    // for a problem that has none the choice of the engine.
+    std::string text;
     bool isSafeMode = false;
     bool noRelaxation = false;
     bool noFinalPass = false;
@@ -29,11 +36,16 @@ public:
     CProblemHeuristics& operator=(const CProblemHeuristics&) = delete;
 
     // For TSolveRequest::heuristics; null for no word.
-    const TChessboard* Node() const { return m_node.Heur != 0 ? &m_node : nullptr; }
+    const TChessboard* Node() const {
+        return m_node.Heur != 0 || m_isAutomatic ? &m_node : nullptr;
+    }
+    // For TSolveRequest::selectsHeuristics.
+    bool IsAutomatic() const { return m_isAutomatic; }
 
 private:
     void ApplyOverrides(const TChessProblem& problem);
 
+    bool m_isAutomatic = false;
     TSearchContext m_context;
     TThreadContext m_thread{2};
     TChessboard m_node{};

@@ -31,12 +31,14 @@ CProblemInUse::CProblemInUse(TChessProblem& problem,
     : m_problem(problem) {
     problem.tempRegister = solved;
     problem.relaxationLog = log;
+    problem.mayRelaxByTime = true;
     problem.progress = progress;
 }
 
 CProblemInUse::~CProblemInUse() {
     m_problem.tempRegister = nullptr;
     m_problem.relaxationLog = nullptr;
+    m_problem.mayRelaxByTime = false;
     m_problem.progress = nullptr;
 }
 

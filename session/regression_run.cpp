@@ -396,7 +396,9 @@ std::optional<TEngineOutcome> CRegressionRun::Solve(TChessProblem& problem, bool
     start.threads = m_request.threads;
     start.mayUseSolvedRecord = false;
     start.wantMainLine = false;
+    start.heuristics = m_request.heuristics;
     start.memoryBytes = MemoryOfJob(m_request);
+    start.quickMateDepth = m_request.quickMateDepth;
     // The order of the first moves is known before the first node, and nothing else is asked.
     if (problem.Has(kProblemHasExpectedSort) && problem.Has(kProblemExpectedSortOnly))
         start.nodeLimit = 1;

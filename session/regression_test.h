@@ -25,6 +25,7 @@
 #include <functional>
 #include <limits>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <thread>
 
@@ -39,7 +40,10 @@ struct TRegressionRequest {
     // The log of an earlier run is gone on with: what it tells as finished is not done again.
     bool isResumed = false;
     int jobs = 1;
-    int threads = 0;      // of each problem; 0 for its own number or that of the options
+    // As TEngineRequest::heuristics.
+    std::string heuristics;
+    int threads = 0;  // of each problem; 0 for its own number or that of the options
+    i16 quickMateDepth = kQuickMateDepthUnset;  // as TSolveRequest::quickMateDepth
     u64 memoryBytes = 0;  // of the registers of all jobs together; 0 for the limit of the options
     u32 timeLimitSeconds = kNoTimeLimit;  // of each solve; the quick form may be stricter
     // Numbers of problems, both included.

@@ -3,6 +3,7 @@
 #include "core/chess_exception.h"
 #include "heuristics/relaxation_log.h"
 #include "search/moves_log.h"
+#include "search/proof_pass.h"
 #include "search/root.h"
 #include "search/sort_indication.h"
 #include "session/options.h"
@@ -98,7 +99,7 @@ public:
         std::memcpy(root.m_board, m_problem.position->m_board, sizeof root.m_board);
         SetupAnalysisRoot(root, m_halfMoves, true);
 
-        // 2. Mode, word and order. Settings of known compositions come here once there are any.
+        // 2. Mode, word and order. Where the problem gives no word, the search chooses one.
         const bool isSafeMode = IsSafeModeForced(m_problem);
         const CProblemHeuristics heuristics(
             m_problem,
@@ -208,8 +209,11 @@ private:
         solve.threads = ThreadsOfRun(m_problem, m_request.threads);
         solve.mayAskForThreads = m_request.threads == 0 && m_problem.threads == kThreadsNotForced;
         solve.heuristics = heuristics.Node();
+        solve.selectsHeuristics = heuristics.IsAutomatic();
+        solve.proofMoves = heuristics.IsAutomatic() ? ProofMovesOf(m_halfMoves) : 0;
         solve.stopsRelaxingOnFirstSolution = m_problem.stopRelaxHeuristicsOnFirstSolution;
         solve.nodeLimit = m_request.nodeLimit;
+        solve.quickMateDepth = m_request.quickMateDepth;
         return solve;
     }
 
@@ -241,11 +245,15 @@ private:
     }
 
     void SolveOnce(TSolveRequest solve) {
+        CKeptWarnings warnings;
         const CRunLogs logs(m_problem, m_request, solve.threads);
         solve.movesLogs = logs.Logs();
+        solve.warnings = &warnings;
         m_outcome.result = Solve(*m_problem.position, solve, m_problem, m_hooks.observer);
-        if (!m_request.isRegression)
-            logs.Warnings().Tell(m_services.questions, m_request.language);
+        if (m_request.isRegression)
+            return;
+        logs.Warnings().Tell(m_services.questions, m_request.language);
+        warnings.Tell(m_services.questions, m_request.language);
     }
 
     // The time of the user is not that of the run.

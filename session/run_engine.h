@@ -22,9 +22,10 @@ struct TEngineRequest {
     bool mayUseSolvedRecord = true;
     bool wantTries = false;
     bool wantMainLine = true;
-    u64 nodeLimit = 0;  // 0 for no limit
-    // Replaces the word of heuristics of the problem: "off", or a text of heuristics; empty for
-    // the problem's own.
+    u64 nodeLimit = 0;                          // 0 for no limit
+    i16 quickMateDepth = kQuickMateDepthUnset;  // as TSolveRequest::quickMateDepth
+    // Replaces the word of heuristics of the problem: "off", or a text of heuristics. Empty or
+    // "auto": the problem's own, and for one that has none the choice of the engine.
     std::string heuristics;
     // Beside the word: no relaxed passes; no pass without heuristics.
     bool noRelaxation = false;

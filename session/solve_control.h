@@ -45,6 +45,7 @@ struct TStartRequest {
     bool wantTries = false;
     bool wantMainLine = true;
     u64 nodeLimit = 0;
+    i16 quickMateDepth = kQuickMateDepthUnset;
     std::string heuristics;
     bool noRelaxation = false;
     bool noFinalPass = false;

@@ -123,6 +123,7 @@ TEngineOutcome CSolveSession::RunEngineWatched() {
     request.wantTries = m_request.wantTries;
     request.wantMainLine = m_request.wantMainLine;
     request.nodeLimit = m_request.nodeLimit;
+    request.quickMateDepth = m_request.quickMateDepth;
     request.heuristics = m_request.heuristics;
     request.noRelaxation = m_request.noRelaxation;
     request.noFinalPass = m_request.noFinalPass;

@@ -125,7 +125,7 @@ private:
                 break;
             if (verdict == kMate)
                 Add(move, analysis);
-            isDecided &= verdict != kDoubtful;
+            isDecided &= !IsDoubtful(verdict);
         }
         m_node.m_nMoves = length;
         analysis.isStopped = IsStopped(m_node);

@@ -226,7 +226,8 @@ class Prover:
     def ask(self, positions, moves, nodes, wants_all=False):
         if not positions:
             return []
-        command = [self.program, "solve", "-", "--moves", str(moves), "--nodes", str(nodes)]
+        command = [self.program, "solve", "-", "--moves", str(moves), "--nodes", str(nodes),
+                   "--heuristics", "off"]
         command += ["--json", "--quiet"] + (["--all"] if wants_all else [])
         done = subprocess.run(
             command,

@@ -66,7 +66,8 @@ class Results(Batch):
     def check_golden(self, collection, golden):
         """With a changed search the counters change, and the file is made anew by hand with
         QUILLMERE_UPDATE_GOLDEN=1."""
-        result = self.batch(collection, "--mirror", "--json", "--memory", "64")
+        result = self.batch(collection, "--mirror", "--json", "--memory", "64",
+                            "--heuristics", "off")
         rows = result.json()
         for row in rows:
             del row["ms"]
@@ -84,6 +85,20 @@ class Results(Batch):
 
     def test_samples_are_solved_as_they_state_with_the_work_of_the_golden_file(self):
         self.assertEqual(self.check_golden(SAMPLES, GOLDEN_OF_SAMPLES).code, 0)
+
+    def test_the_choice_of_heuristics_changes_no_answer(self):
+        default = self.batch(COLLECTION, "--json").json()
+        auto = self.batch(COLLECTION, "--json", "--heuristics", "auto").json()
+        off = self.batch(COLLECTION, "--json", "--heuristics", "off").json()
+        answers = [
+            [(row["problem"], row["comparison"], row["verdict"]) for row in rows]
+            for rows in (default, auto, off)
+        ]
+        self.assertEqual(answers[0], answers[1])
+        self.assertEqual(answers[0], answers[2])
+        made = [[row["madeMoves"] for row in rows] for rows in (default, auto, off)]
+        self.assertEqual(made[0], made[1])
+        self.assertNotEqual(made[0], made[2])
 
     def test_mirror_pass_does_the_work_on_the_mirror_image(self):
         rows = self.batch(COLLECTION, "--mirror", "--json").json()

@@ -30,12 +30,93 @@ class Passes(ProgramTest):
     def names(self, record, field="passes"):
         return [(row["name"], row["heuristics"]) for row in record[field]]
 
-    def test_off_is_the_default(self):
+    def test_auto_is_the_default(self):
         default, _ = self.solve(LOYD_5, 5)
+        auto, _ = self.solve(LOYD_5, 5, "--heuristics", "auto")
+        for record in (default, auto):
+            record.pop("ms")
+            for row in record["passes"]:
+                row.pop("ms")
+        self.assertEqual(default, auto)
+        self.assertEqual(
+            [row["heuristic"] for row in auto["selection"]["heuristics"]], ["SH_3MOVESTOMATE"]
+        )
+
+    def test_off_searches_without_heuristics(self):
         off, _ = self.solve(LOYD_5, 5, "--heuristics", "off")
-        self.assertEqual(self.names(default), [("2", "")])
-        self.assertEqual(default["nodes"], off["nodes"])
-        self.assertEqual(default["proof"], {"name": "2", "heuristics": ""})
+        self.assertEqual(self.names(off), [("2", "")])
+        self.assertEqual(off["proof"], {"name": "2", "heuristics": ""})
+        self.assertIsNone(off["selection"])
+
+    def test_a_word_of_the_user_is_not_chosen(self):
+        record, _ = self.solve(LOYD_5, 5, "--heuristics", EDGE)
+        self.assertIsNone(record["selection"])
+
+    def test_short_tasks_and_defences_are_not_analysed(self):
+        short, _ = self.solve("4brrb/8/2p4P/7Q/3p1kpP/3P1pN1/5K2/8 w - - 0 1", 2)
+        self.assertIsNone(short["selection"])
+        result = self.run_program(
+            "solve", "8/8/8/8/8/6Q1/4p3/5k1K b - -", "--half-moves", "4", "--json"
+        )
+        self.assertIsNone(result.json()[0]["selection"])
+
+    def test_the_choice_is_explained(self):
+        result = self.run_program(
+            "solve", REGISTER_6, "--moves", "6", "--threads", "1", "--explain"
+        )
+        lines = result.out.splitlines()
+        chosen = [line for line in lines if line.startswith("Chosen")]
+        self.assertEqual(len(chosen), 1, result.out)
+        self.assertRegex(chosen[0], r"^Chosen   (SH_\w+|nothing: )")
+        self.assertTrue(any(line.startswith("Trials   SH_") for line in lines), result.out)
+        self.assertTrue(any(line.startswith("Plan     ") for line in lines), result.out)
+        polish = self.run_program(
+            "--language", "pl", "solve", REGISTER_6, "--moves", "6", "--threads", "1", "--explain"
+        )
+        self.assertRegex(polish.out, "Wybór    (SH_|nic: )")
+
+    def test_trials_are_told_with_their_work(self):
+        record, _ = self.solve(REGISTER_6, 6)
+        selection = record["selection"]
+        self.assertTrue(selection["trials"])
+        for trial in selection["trials"]:
+            self.assertIn(trial["outcome"], ["mate", "failed", "no mate", "limit"])
+            self.assertEqual(trial["halfMoves"], 11)
+            self.assertLessEqual(trial["madeMoves"], 2 * trial["limit"])
+        work = sum(trial["madeMoves"] for trial in selection["trials"])
+        self.assertLessEqual(work, selection["madeMoves"])
+        self.assertLess(selection["madeMoves"], record["madeMoves"])
+        if selection["trials"][-1]["outcome"] == "mate":
+            self.assertEqual(
+                record["proof"]["heuristics"].split(",  QuickMode")[0],
+                selection["trials"][-1]["heuristics"],
+            )
+
+    def test_the_squares_of_a_choice_for_black_are_those_of_the_user(self):
+        white, _ = self.solve(LOYD_5, 5)
+        black, _ = self.solve(LOYD_5_BLACK, 5)
+        self.assertEqual(white["selection"], black["selection"])
+
+    def test_the_parts_of_a_choice_may_be_switched_off(self):
+        record, _ = self.solve(LOYD_5, 4, "--no-relax", "--no-final-pass")
+        self.assertEqual(record["verdict"], "doubtful")
+        self.assertEqual(len(record["passes"]), 1)
+        result = self.run_program(
+            "solve", LOYD_5, "--moves", "5", "--heuristics", "off", "--no-relax"
+        )
+        self.assertEqual(result.code, 2)
+        self.assertIn("--heuristics off", result.err)
+
+    def test_positions_of_a_file_are_chosen_for_too(self):
+        line = f"{LOYD_5} dm 5;"
+        auto = self.run_program("epd", "-", "--json", stdin=line).json()[0]
+        off = self.run_program("epd", "-", "--json", "--heuristics", "off", stdin=line).json()[0]
+        word = self.run_program("epd", "-", "--json", "--heuristics", EDGE, stdin=line).json()[0]
+        self.assertEqual([auto["verdict"], off["verdict"], word["verdict"]], ["mate"] * 3)
+        self.assertTrue(auto["selection"]["heuristics"])
+        self.assertIsNone(off["selection"])
+        bad = self.run_program("epd", "-", "--heuristics", "SH_NONE", stdin=line)
+        self.assertEqual((bad.code, bad.out), (3, ""))
 
     def test_the_pass_that_proved_the_mate_is_told(self):
         record, code = self.solve(LOYD_5, 5, "--heuristics", EDGE)
@@ -69,6 +150,36 @@ class Passes(ProgramTest):
             ],
         )
         self.assertEqual(self.names(record, "plan"), self.names(record))
+
+    def test_forced_mates_have_passes_of_their_own(self):
+        # A mate in 3 with quiet moves that threaten nothing; too few figures for a pass by time.
+        fen = "8/8/8/8/8/8/8/k1K4R w - -"
+        rows = [
+            ("CheckOnly", ["CheckOnly"]),
+            ("#1", ["#1"]),
+            ("#1-Custom", ["#1-Custom", "#1"]),
+            ("#5-Preliminary", ["#5-Preliminary", "#5"]),
+            ("#2+-Preliminary-Custom", ["#2+-Preliminary-Custom", "#2+-Custom", "#2+"]),
+        ]
+        for text, passes in rows:
+            with self.subTest(text):
+                record, _ = self.solve(fen, 3, "--heuristics", f"SH_FINDFORCEDMATE({text})", "--all")
+                edge = "SH_KEEPKINGWITHINEXTEDGE, "
+                words = [
+                    (edge if "Preliminary" in word else "")
+                    + f"SH_FINDFORCEDMATE({word}),  QuickMode"
+                    for word in passes
+                ]
+                names = [(f"1{'abc'[i]}", word) for i, word in enumerate(words)] + [("2", "")]
+                self.assertEqual(self.names(record, "plan"), names)
+                self.assertEqual(self.names(record), names)
+                self.assertEqual(record["verdict"], "mate")
+
+    def test_forced_mates_leave_quiet_first_moves_in_doubt(self):
+        record, code = self.solve(
+            LOYD_5, 5, "--heuristics", "SH_FINDFORCEDMATE", "--no-relax", "--no-final-pass"
+        )
+        self.assertEqual((record["verdict"], code), ("doubtful", 4))
 
     def test_without_relaxation_there_is_one_pass_with_heuristics(self):
         word = "SH_SWEEPINGWHITEROOK, SH_AREKINGSNEAR"
@@ -144,7 +255,7 @@ class Passes(ProgramTest):
 
     def test_wrong_usage_is_refused(self):
         for words, *arguments in (
-            ("--no-relax", "--no-relax"),
+            ("--no-relax", "--no-relax", "--heuristics", "off"),
             ("--no-final-pass", "--no-final-pass", "--heuristics", "off"),
             ("--tries", "--heuristics", EDGE, "--no-final-pass", "--tries"),
         ):

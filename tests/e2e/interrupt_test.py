@@ -15,6 +15,8 @@ import unittest
 from program import ENDLESS, ENDLESS_MOVES, LOYD_3, LOYD_5, PATIENCE, PROGRAM, ProgramTest
 
 ENDLESS_SOLVE = [PROGRAM, "solve", ENDLESS, "--moves", ENDLESS_MOVES]
+# What the progress says once the search runs: of the passes, and of what "auto" does before them.
+RUNS = {"off": "first move ", "auto": "Initial position type check..."}
 
 
 class Terminal:
@@ -63,18 +65,21 @@ class Terminal:
 
 class Interrupt(ProgramTest):
     # Progress on the terminal says that the search runs, so no test waits for a fixed time.
-    def start(self, *extra):
-        terminal = Terminal(ENDLESS_SOLVE + list(extra), self.environment())
-        self.assertTrue(terminal.read_until("first move "), terminal.text)
+    def start(self, *extra, heuristics="off"):
+        call = ENDLESS_SOLVE + ["--heuristics", heuristics, *extra]
+        terminal = Terminal(call, self.environment())
+        self.assertTrue(terminal.read_until(RUNS[heuristics]), terminal.text)
         return terminal
 
     def test_ctrl_c_tells_what_is_known(self):
-        for wish in (signal.SIGINT, signal.SIGTERM):
-            terminal = self.start()
-            terminal.process.send_signal(wish)
-            code, output = terminal.close()
-            self.assertEqual(code, 130)
-            self.assertRegex(output, r"(?m)^Verdict +stopped$")
+        for heuristics in RUNS:
+            for wish in (signal.SIGINT, signal.SIGTERM):
+                with self.subTest(heuristics=heuristics, wish=wish):
+                    terminal = self.start(heuristics=heuristics)
+                    terminal.process.send_signal(wish)
+                    code, output = terminal.close()
+                    self.assertEqual(code, 130)
+                    self.assertRegex(output, r"(?m)^Verdict +stopped$")
 
     def test_ctrl_c_with_json_is_still_json(self):
         terminal = self.start("--json")
@@ -85,7 +90,8 @@ class Interrupt(ProgramTest):
 
     def test_batch_tells_the_positions_that_were_begun(self):
         path = self.write("list.epd", f"{LOYD_3} dm 3;\n" + f"{ENDLESS} dm {ENDLESS_MOVES};\n" * 3)
-        terminal = Terminal([PROGRAM, "epd", path, "--deterministic"], self.environment())
+        call = [PROGRAM, "epd", path, "--deterministic", "--heuristics", "off"]
+        terminal = Terminal(call, self.environment())
         self.assertTrue(terminal.read_until("first move "), terminal.text)
         # The first line may still be on its way; the second position never ends.
         while b"line-1" not in (line := terminal.process.stdout.readline()):
@@ -112,12 +118,14 @@ class Interrupt(ProgramTest):
 class Progress(ProgramTest):
     def test_only_on_a_terminal(self):
         result = self.run_program(
-            "solve", ENDLESS, "--moves", ENDLESS_MOVES, "--nodes", "300000"
+            "solve", ENDLESS, "--moves", ENDLESS_MOVES, "--nodes", "300000", "--heuristics", "off"
         )
         self.assertEqual(result.err, "")
 
     def test_line_is_taken_away_at_the_end(self):
-        terminal = Terminal(ENDLESS_SOLVE + ["--time", "1"], self.environment())
+        terminal = Terminal(
+            ENDLESS_SOLVE + ["--time", "1", "--heuristics", "off"], self.environment()
+        )
         code, _ = terminal.close()
         self.assertEqual(code, 4)
         self.assertIn("first move ", terminal.text)
@@ -126,13 +134,23 @@ class Progress(ProgramTest):
 
     def test_line_never_goes_on_in_the_next_row(self):
         columns = 40
-        terminal = Terminal(ENDLESS_SOLVE + ["--time", "1"], self.environment(), columns=columns)
+        terminal = Terminal(
+            ENDLESS_SOLVE + ["--time", "1", "--heuristics", "off"],
+            self.environment(),
+            columns=columns,
+        )
         terminal.close()
         lines = [line for line in re.split(r"\r\x1b\[K", terminal.text) if line]
         self.assertGreater(len(lines), 0)
         for line in lines:
             self.assertIn("first move", line)
             self.assertLess(len(line), columns)
+
+    def test_the_choice_of_heuristics_is_told(self):
+        terminal = Terminal(ENDLESS_SOLVE + ["--time", "1"], self.environment())
+        code, _ = terminal.close()
+        self.assertEqual(code, 4)
+        self.assertIn(RUNS["auto"], terminal.text)
 
     def test_switched_off(self):
         for switch in ("--no-progress", "--quiet"):

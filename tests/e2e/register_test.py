@@ -42,7 +42,7 @@ class Figures(ProgramTest):
         ]
         for language, pattern in rows:
             result = self.run_program(
-                "solve", REGISTER_6, "--moves", "6", "--language", language
+                "solve", REGISTER_6, "--moves", "6", "--language", language, "--heuristics", "off"
             )
             self.assertRegex(result.out, pattern)
 
@@ -58,7 +58,8 @@ class Figures(ProgramTest):
 
     def test_progress_line(self):
         terminal = Terminal(
-            [PROGRAM, "solve", ENDLESS, "--moves", ENDLESS_MOVES, "--time", "1", "--memory", "1"],
+            [PROGRAM, "solve", ENDLESS, "--moves", ENDLESS_MOVES, "--time", "1", "--memory", "1",
+             "--heuristics", "off"],
             self.environment(),
         )
         code, _ = terminal.close()
@@ -78,6 +79,7 @@ class Memory(ProgramTest):
 
     def test_a_full_register_gives_the_same_nodes_in_every_run(self):
         arguments = ["solve", REGISTER_7, "--moves", "7", "--threads", "1", "--json"]
+        arguments += ["--heuristics", "off"]  # the passes alone read what they have stored
         roomy = self.run_program(*arguments).json()[0]
         runs = [self.run_program(*arguments, "--memory", "1").json()[0] for _ in range(2)]
         self.assertEqual(runs[0]["nodes"], runs[1]["nodes"])
@@ -134,7 +136,7 @@ class ClearRegister(ProgramTest):
     def test_the_option_lets_it_be_kept(self):
         self.run_program("options", "set", "ClearRegisterOnStartSolving", "0")
         for command, stdin in self.COMMANDS:
-            first, second = self.nodes(command, stdin)
+            first, second = self.nodes([*command, "--heuristics", "off"], stdin)
             self.assertLess(second, first)
 
     def test_deterministic_lists_clear_it_all_the_same(self):
