@@ -31,13 +31,12 @@ import sys
 import tempfile
 from dataclasses import dataclass
 
-from strength import MATE, NO_MATE, BadSet, epd_positions, hash_of, markdown
+from strength import MATE, NO_MATE, OFF, BadSet, epd_positions, hash_of, markdown
 
 SUITE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "suite", "heuristics.epd")
 HELPS, COSTS = "helps", "costs"
 # A position helps if it needs so many times fewer moves.
 LEAST_HELP = 2
-OFF = "off"
 COLUMNS = ["bit", "role", "heuristics", "n", "without", "with", "factor"]
 COLUMNS += ["verdict", "key", "passes"]
 

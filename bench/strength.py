@@ -4,9 +4,9 @@
     bench/strength.py --build PROGRAM --cache strength.jsonl bench/suite/generated.epd
     bench/strength.py --build OLD --build NEW --cache strength.jsonl --min 4 --max 8 --all SET...
 
-Every position is solved alone, by a program of its own with default options and a limit of CPU
-time. Work is counted in made moves, which are the same on every machine; CPU time is told beside
-it. In JSON the program also rebuilds the main line of a mate, and that is part of both.
+Every position is solved alone, by a program of its own with default options, without heuristics
+unless --heuristics says otherwise, and with a limit of CPU time. Work is counted in made moves, which
+are the same on every machine; CPU time is told beside it. In JSON the program also rebuilds the main line of a mate, and that is part of both.
 
 A SET is an EPD file, or a CSV file with semicolons and the header fen;moves;... (author and key
 are shown if they are there). What an EPD file states as bm is taken for true: whatever differs
@@ -17,9 +17,9 @@ Two builds must not contradict each other: different verdicts, or different keys
 alarms too. Searching for the first key, they may find different ones where there are several; it
 is an alarm if the cache knows all keys of the position and the one that was found is none of them.
 
-Results are kept in the cache by build (a hash of the program file), position and mode, so that a
-run that was stopped goes on where it ended, and an old build is measured once. A result that
-reached the limit is measured again only under a higher one.
+Results are kept in the cache by build (a hash of the program file and, but for "off", the
+heuristics), position and mode, so that a run that was stopped goes on where it ended, and an old build
+is measured once. A result that reached the limit is measured again only under a higher one.
 
 Exit codes: 0 all well, 1 an alarm, 2 wrong usage or a set that cannot be read. Needs Linux.
 """
@@ -43,6 +43,7 @@ from dataclasses import dataclass, field
 
 MATE, NO_MATE, REFUSED = "mate", "no mate", "refused"
 ALL, FIRST = "all", "first"
+OFF = "off"
 # Behind the CPU limit: what the program gets to stop by itself, and then it is killed.
 GRACE_SECONDS = 2
 # Real time after which a program counts as hung: it waits for something that never comes.
@@ -200,7 +201,13 @@ class Cache:
 @dataclass(frozen=True)
 class Build:
     path: str
-    hash: str
+    hash: str  # of the file, with the heuristics that it is asked to use
+    word: str = OFF  # for --heuristics; empty for a program that does not know it
+
+
+def build_of(path, word):
+    file = hash_of(path)
+    return Build(os.path.abspath(path), file if word in (OFF, "") else f"{file} {word}", word)
 
 
 def hash_of(path):
@@ -242,8 +249,9 @@ def wait_within(process, limit):
         time.sleep(TICK_SECONDS if time.monotonic() - start > 0.2 else TICK_SECONDS / 5)
 
 
-def run(program, position, mode, limit):
-    command = [program, "epd", "-", "--json", "--quiet"] + (["--all"] if mode == ALL else [])
+def run(build, position, mode, limit):
+    command = [build.path, "epd", "-", "--json", "--quiet"] + (["--all"] if mode == ALL else [])
+    command += ["--heuristics", build.word] if build.word else []
     with tempfile.TemporaryDirectory() as folder:
         environment = dict(os.environ, QUILLMERE_HOME=os.path.join(folder, "home"), LC_ALL="C")
         task = os.path.join(folder, "task")
@@ -302,7 +310,7 @@ def measure(builds, positions, mode, limit, jobs, cache, tell):
             else:
                 waiting.append((build, position))
     with ThreadPoolExecutor(jobs) as pool:
-        tasks = {pool.submit(run, b.path, p, mode, limit): (b, p) for b, p in waiting}
+        tasks = {pool.submit(run, b, p, mode, limit): (b, p) for b, p in waiting}
         try:
             for number, task in enumerate(as_completed(tasks), 1):
                 build, position = tasks[task]
@@ -592,6 +600,8 @@ def arguments_of(words):
     )
     parser.add_argument("--cache", metavar="FILE", help="results known already, and new ones")
     parser.add_argument("--all", action="store_true", help="find all keys, not only the first")
+    parser.add_argument("--heuristics", default=OFF, metavar="auto|off|TEXT",
+                        help='as for epd (default off); "" for a program that does not know it')
     parser.add_argument("--cpu", type=float, default=10, metavar="S",
                         help="seconds of CPU for each position (default 10)")
     parser.add_argument("--min", type=int, default=1, metavar="N", help="shortest mates to take")
@@ -613,7 +623,7 @@ def main(words=None):
     arguments = arguments_of(words)
     mode = ALL if arguments.all else FIRST
     try:
-        builds = [Build(os.path.abspath(path), hash_of(path)) for path in arguments.build]
+        builds = [build_of(path, arguments.heuristics) for path in arguments.build]
         positions = [
             position
             for path in arguments.sets
