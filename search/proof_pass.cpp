@@ -165,8 +165,8 @@ u64 ProofMovesOf(int halfMoves) {
     constexpr u64 kMillion = 1'000'000;
     // A full search grows with every move; what it would cost is what the proof may.
     constexpr TRow kRows[] = {{kProofRoot, 0},
-                              {15, 4 * kMillion},
-                              {19, 10 * kMillion},
+                              {15, 12 * kMillion},
+                              {19, 20 * kMillion},
                               {27, 30 * kMillion},
                               {65536, 200 * kMillion}};
     for (const TRow& row : kRows) {
@@ -189,8 +189,12 @@ void RunProofPass(CProofNumberSearch& search,
                   CFirstMoves& moves,
                   const char* name,
                   u64 madeMoves) {
-    // The narrow searches stand behind the first pass, which is over before they pay.
-    CProofPass(search, root, moves, madeMoves, name != kFirstProofPassName).Run(name);
+    // The narrow searches stand behind the first pass, which is over before they pay, and not in
+    // tasks that are short enough to be searched whole.
+    constexpr int kNarrowRoot = 19;
+    const bool isNarrowToo =
+        std::string_view(name) != kFirstProofPassName && root.m_nMoves >= kNarrowRoot;
+    CProofPass(search, root, moves, madeMoves, isNarrowToo).Run(name);
 }
 
 }  // namespace quillmere
