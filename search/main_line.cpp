@@ -1,34 +1,16 @@
 #include "search/main_line.h"
 
 #include "core/legality.h"
-#include "core/make_move.h"
 #include "core/thread_context.h"
-#include "heuristics/rules.h"
 #include "search/best_defence.h"
 #include "search/mate_search.h"
 #include "search/pause.h"
+#include "search/search_move.h"
 
 #include <deque>
 
 namespace quillmere {
 namespace {
-
-// A move of the search, made on a copy that has `parent` as its parent. The word of heuristics
-// follows as it does in the nodes, so that what they found is found again.
-bool MakeSearchMove(TChessboard& child, TChessboard& parent, TMove move) {
-    child = parent;
-    child.m_parent = &parent;
-    if (parent.IsWhiteToMove()) {
-        if (MakeWhiteMove(child, move) != kMoveMade)
-            return false;
-        UpdateAfterWhiteMove(child);
-        return true;
-    }
-    if (MakeBlackMove(child, move, false) != kMoveMade)
-        return false;
-    UpdateAfterBlackMove(child);
-    return true;
-}
 
 // The first move that mates within the node's half-moves.
 bool FindMatingMove(TChessboard& node, TMove* mate) {

@@ -2,10 +2,9 @@
 
 #include "core/direct_mates.h"
 #include "core/legality.h"
-#include "core/make_move.h"
 #include "core/thread_context.h"
-#include "heuristics/rules.h"
 #include "search/pause.h"
+#include "search/search_move.h"
 
 #include <algorithm>
 #include <deque>
@@ -15,21 +14,6 @@ namespace {
 
 // Made moves for a mate that was proved before and dropped from the table.
 constexpr u64 kAgainMoves = 1'000'000;
-
-bool MakeLineMove(TChessboard& child, TChessboard& parent, TMove move) {
-    child = parent;
-    child.m_parent = &parent;
-    if (parent.IsWhiteToMove()) {
-        if (MakeWhiteMove(child, move) != kMoveMade)
-            return false;
-        UpdateAfterWhiteMove(child);
-        return true;
-    }
-    if (MakeBlackMove(child, move, false) != kMoveMade)
-        return false;
-    UpdateAfterBlackMove(child);
-    return true;
-}
 
 bool HasLegalMove(TChessboard& node) {
     TMoveList list;
@@ -54,7 +38,7 @@ public:
         list.count = GetLegalMoves(node, list.moves);
         for (const TMove move : list) {
             TChessboard child{};
-            if (!MakeLineMove(child, node, move))
+            if (!MakeSearchMove(child, node, move))
                 return false;
             const int halfMoves = LengthOf(child);
             if (halfMoves == 0)
@@ -114,7 +98,7 @@ private:
             if (longest->halfMoves <= 1 || m_left <= reserve || IsStopped(node))
                 return *longest;
             TChessboard child{};
-            MakeLineMove(child, node, longest->move);
+            MakeSearchMove(child, node, longest->move);
             child.m_nMoves = static_cast<u16>(longest->halfMoves - 2);
             if (Ask(child, m_left - reserve, m_width).verdict != kMate)
                 return *longest;
@@ -138,7 +122,7 @@ FindProofLine(CProofNumberSearch& search, TChessboard& root, const TMove* key, u
     TChessboard* node = &root;
     const auto play = [&](TMove move) {
         nodes.emplace_back();
-        if (!MakeLineMove(nodes.back(), *node, move))
+        if (!MakeSearchMove(nodes.back(), *node, move))
             return false;
         node = &nodes.back();
         line.push_back(move);
@@ -162,8 +146,8 @@ TMove FindProofDefence(CProofNumberSearch& search, TChessboard& root, TMove key,
     CProofLine finder(search, madeMoves);
     TChessboard child{};
     TDefence defence;
-    return MakeLineMove(child, root, key) && finder.FindDefence(child, &defence) ? defence.move
-                                                                                 : TMove{};
+    return MakeSearchMove(child, root, key) && finder.FindDefence(child, &defence) ? defence.move
+                                                                                   : TMove{};
 }
 
 }  // namespace quillmere

@@ -31,6 +31,8 @@ public:
         m_node.m_threadContext = &m_thread;
         m_node.Heur = heur;
         DrawSettings(board, random);
+        if ((heur & SH_FINDFORCEDMATE) != 0)
+            DrawForcedMate(random);
     }
     CGivenWord(const CGivenWord&) = delete;
     CGivenWord& operator=(const CGivenWord&) = delete;
@@ -85,6 +87,18 @@ private:
         m_context.KeyDiagonalSquares[0] = square();
         m_context.KeyDiagonalSquares[1] = square();
         m_context.isExact = random.Chance(20);
+    }
+
+    void DrawForcedMate(CRandom& random) {
+        THeuristicSettings& s = m_thread.heuristics;
+        s.FfmMode = static_cast<u8>(random.Between(2, 9));
+        s.FfmStartMode = s.FfmMode;
+        s.FfmRelaxations = static_cast<u8>(random.Below(10 - s.FfmMode));
+        s.FfmWithOther = static_cast<i8>(random.Between(-1, 1));
+        s.FfmCustom = random.Chance(30);
+        s.FfmCustomRelaxations = static_cast<u8>(random.Below(10 - s.FfmMode));
+        s.FfmPreliminary = random.Chance(30);
+        s.FfmAddCaptures = random.Chance(50);
     }
 
     TSearchContext m_context;
